@@ -1,0 +1,6 @@
+#pragma once
+
+#include <QtCore/qglobal.h>
+
+/// Marks what the shared library shows to its users; everything else stays hidden.
+#define AUX_EXPORT Q_DECL_EXPORT

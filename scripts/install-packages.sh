@@ -1,0 +1,37 @@
+#!/bin/sh
+# Installs what building, testing and the demo need, by Debian package name; as root, or through sudo.
+set -eu
+packages="
+    build-essential
+    cmake
+    iproute2
+    libbenchmark-dev
+    libgmock-dev
+    libgtest-dev
+    libpcsclite-dev
+    libssl-dev
+    pcscd
+    pkg-config
+    qtbase5-dev
+    tzdata
+    vsmartcard-vpcd
+"
+missing=
+for package in $packages; do
+    state=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null) || state=
+    [ "$state" = installed ] || missing="$missing $package"
+done
+[ -n "$missing" ] || exit 0
+
+as_root=
+if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || {
+        echo "install-packages.sh: these packages are missing, and there is no sudo:$missing" >&2
+        exit 1
+    }
+    as_root=sudo
+fi
+echo "Installing:$missing"
+$as_root apt-get update -q
+# shellcheck disable=SC2086 # a list of words
+$as_root env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends $missing
