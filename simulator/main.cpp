@@ -1,0 +1,312 @@
+// scard-simcard: a simulated tachograph card in the virtual reader of a pcscd.
+
+#include "DriverCard.h"
+#include "TimeReal.h"
+#include "VpcdLink.h"
+
+#include <charconv>
+#include <csignal>
+#include <cstdlib>
+#include <getopt.h>
+#include <iostream>
+#include <limits>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr const char* Usage = R"(Usage: scard-simcard [options]
+
+Puts a simulated tachograph card into a virtual reader (vpcd) and serves it until
+it is interrupted or the reader goes away.
+
+Reader
+  --host HOST            host of the reader driver (127.0.0.1)
+  --port N               port of the reader driver (36865)
+  --connect-timeout S    seconds to wait for the reader (10)
+  --bit-rate N           line speed in bits per second (no delay)
+
+Card
+  --kind KIND            driver-g1 or control-g1 (driver-g1)
+  --seed N               another driver or control body (1)
+  --nation HEX           issuing nation, NationNumeric (0D)
+  --code-page N          part of ISO 8859 of all texts (1)
+
+Driver card
+  --days N               days in the driver's life (60)
+  --last-day YYYY-MM-DD  the newest of them (2024-03-05)
+  --events N             events per type (12)
+  --faults N             faults per type (24)
+  --activity N           bytes of the activity buffer (13776)
+  --vehicles N           vehicle records (200)
+  --places N             place records (112)
+  --surname S            names in UTF-8 (chosen to fit the nation)
+  --first-names S
+
+Faults
+  --pull-at N            the card is pulled with command N, counted from 0
+  --fail-at N:SW         command N answers the status word SW (hexadecimal)
+
+  --help                 this text
+)";
+
+constexpr int ExitUsage = 2;
+
+enum Option : int
+{
+    Host = 1,
+    Port,
+    ConnectTimeout,
+    BitRate,
+    Kind,
+    Seed,
+    Nation,
+    CodePage,
+    Days,
+    LastDay,
+    Events,
+    Faults,
+    Activity,
+    Vehicles,
+    Places,
+    Surname,
+    FirstNames,
+    PullAt,
+    FailAt,
+    Help,
+};
+
+constexpr option Options[] = {
+    {"host", required_argument, nullptr, Host},
+    {"port", required_argument, nullptr, Port},
+    {"connect-timeout", required_argument, nullptr, ConnectTimeout},
+    {"bit-rate", required_argument, nullptr, BitRate},
+    {"kind", required_argument, nullptr, Kind},
+    {"seed", required_argument, nullptr, Seed},
+    {"nation", required_argument, nullptr, Nation},
+    {"code-page", required_argument, nullptr, CodePage},
+    {"days", required_argument, nullptr, Days},
+    {"last-day", required_argument, nullptr, LastDay},
+    {"events", required_argument, nullptr, Events},
+    {"faults", required_argument, nullptr, Faults},
+    {"activity", required_argument, nullptr, Activity},
+    {"vehicles", required_argument, nullptr, Vehicles},
+    {"places", required_argument, nullptr, Places},
+    {"surname", required_argument, nullptr, Surname},
+    {"first-names", required_argument, nullptr, FirstNames},
+    {"pull-at", required_argument, nullptr, PullAt},
+    {"fail-at", required_argument, nullptr, FailAt},
+    {"help", no_argument, nullptr, Help},
+    {nullptr, 0, nullptr, 0},
+};
+
+/// The whole text as a number from 0 to what T holds.
+template <typename T>
+T number(const std::string& text, int base = 10)
+{
+    std::uint64_t value = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value, base);
+    if (text.empty() || stop != end || error != std::errc() ||
+        value > static_cast<std::uint64_t>(std::numeric_limits<T>::max())) {
+        throw std::invalid_argument("not a number or too large: '" + text + "'");
+    }
+    return static_cast<T>(value);
+}
+
+std::uint32_t day(const std::string& text)
+{
+    const std::size_t first = text.find('-');
+    const std::size_t second = text.find('-', first == std::string::npos ? first : first + 1);
+    if (second == std::string::npos) {
+        throw std::invalid_argument("not a date: '" + text + "'");
+    }
+    sim::Date date;
+    date.year = number<std::uint16_t>(text.substr(0, first));
+    date.month = number<std::uint16_t>(text.substr(first + 1, second - first - 1));
+    date.day = number<std::uint16_t>(text.substr(second + 1));
+    return sim::timeOf(date);
+}
+
+struct Settings
+{
+    std::string host = "127.0.0.1";
+    std::uint16_t port = 36865;
+    std::chrono::seconds connectTimeout{10};
+    std::optional<double> bitRate;
+    std::string kind = "driver-g1";
+    sim::DriverParameters driver;
+    std::vector<std::pair<std::size_t, sim::Fault>> faults;
+    bool help = false;
+};
+
+void apply(int option, const std::string& value, Settings& settings)
+{
+    sim::DriverParameters& driver = settings.driver;
+    switch (option) {
+    case Host:
+        settings.host = value;
+        break;
+    case Port:
+        settings.port = number<std::uint16_t>(value);
+        break;
+    case ConnectTimeout:
+        settings.connectTimeout = std::chrono::seconds(number<std::uint16_t>(value));
+        break;
+    case BitRate:
+        settings.bitRate = number<std::uint32_t>(value);
+        break;
+    case Kind:
+        settings.kind = value;
+        break;
+    case Seed:
+        driver.seed = number<std::uint32_t>(value);
+        break;
+    case Nation:
+        driver.nation = number<std::uint8_t>(value, 16);
+        break;
+    case CodePage:
+        driver.codePage = number<std::uint8_t>(value);
+        break;
+    case Days:
+        driver.days = number<std::uint16_t>(value);
+        break;
+    case LastDay:
+        driver.lastDay = day(value);
+        break;
+    case Events:
+        driver.eventsPerType = number<std::uint8_t>(value);
+        break;
+    case Faults:
+        driver.faultsPerType = number<std::uint8_t>(value);
+        break;
+    case Activity:
+        driver.activityLength = number<std::uint16_t>(value);
+        break;
+    case Vehicles:
+        driver.vehicles = number<std::uint16_t>(value);
+        break;
+    case Places:
+        driver.places = number<std::uint8_t>(value);
+        break;
+    case Surname:
+        driver.surname = value;
+        break;
+    case FirstNames:
+        driver.firstNames = value;
+        break;
+    case PullAt:
+        settings.faults.emplace_back(number<std::uint32_t>(value), sim::Fault::pulled());
+        break;
+    case FailAt: {
+        const std::size_t colon = value.find(':');
+        if (colon == std::string::npos) {
+            throw std::invalid_argument("not a command number and a status word: '" + value + "'");
+        }
+        settings.faults.emplace_back(
+            number<std::uint32_t>(value.substr(0, colon)),
+            sim::Fault::status(number<std::uint16_t>(value.substr(colon + 1), 16)));
+        break;
+    }
+    case Help:
+        settings.help = true;
+        break;
+    default:
+        throw std::invalid_argument("see --help");
+    }
+}
+
+Settings parse(int argc, char** argv)
+{
+    Settings settings;
+    while (true) {
+        const int option = ::getopt_long(argc, argv, "", Options, nullptr);
+        if (option == -1) {
+            break;
+        }
+        apply(option, optarg ? optarg : "", settings);
+    }
+    if (optind < argc) {
+        throw std::invalid_argument(std::string("unexpected argument: '") + argv[optind] + "'");
+    }
+    return settings;
+}
+
+sim::CardDescription describe(const Settings& settings)
+{
+    if (settings.kind == "driver-g1") {
+        return sim::makeDriverCardG1(settings.driver);
+    }
+    if (settings.kind == "control-g1") {
+        sim::ControlParameters control;
+        control.seed = settings.driver.seed;
+        control.nation = settings.driver.nation;
+        control.codePage = settings.driver.codePage;
+        return sim::makeControlCardG1(control);
+    }
+    throw std::invalid_argument("unknown kind of card: '" + settings.kind + "'");
+}
+
+sim::VpcdLink* servedLink = nullptr;
+
+extern "C" void onSignal(int)
+{
+    servedLink->stop();
+}
+
+int serve(const Settings& settings)
+{
+    sim::Card card(describe(settings));
+    card.setLogging(false);
+    for (const auto& [index, fault] : settings.faults) {
+        card.failAt(index, fault);
+    }
+    if (settings.bitRate) {
+        card.setByteDelay(sim::byteTimeAtBitRate(*settings.bitRate));
+    }
+
+    sim::VpcdLink link(card, settings.host, settings.port);
+    servedLink = &link;
+    struct sigaction action = {};
+    action.sa_handler = onSignal;
+    ::sigaction(SIGINT, &action, nullptr);
+    ::sigaction(SIGTERM, &action, nullptr);
+
+    if (!link.connect(settings.connectTimeout)) {
+        if (link.isStopped()) {
+            return EXIT_SUCCESS;
+        }
+        std::cerr << "scard-simcard: no reader at " << settings.host << ':' << settings.port << '\n';
+        return EXIT_FAILURE;
+    }
+    std::cout << "Card of kind " << settings.kind << " is in the reader at " << settings.host << ':'
+              << settings.port << std::endl;
+    link.run();
+    // The handler must not meet a link that is gone.
+    action.sa_handler = SIG_IGN;
+    ::sigaction(SIGINT, &action, nullptr);
+    ::sigaction(SIGTERM, &action, nullptr);
+    return EXIT_SUCCESS;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    Settings settings;
+    try {
+        settings = parse(argc, argv);
+        if (settings.help) {
+            std::cout << Usage;
+            return EXIT_SUCCESS;
+        }
+        return serve(settings);
+    } catch (const std::invalid_argument& error) {
+        std::cerr << "scard-simcard: " << error.what() << '\n';
+        return ExitUsage;
+    } catch (const std::exception& error) {
+        std::cerr << "scard-simcard: " << error.what() << '\n';
+        return EXIT_FAILURE;
+    }
+}

@@ -1,0 +1,248 @@
+// The program scard-simcard as its user sees it: options, output, exit codes.
+
+#include "Card.h"
+#include "DriverCard.h"
+#include "FakeReader.h"
+#include "RowName.h"
+
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+extern char** environ;
+
+namespace {
+
+using sim::Bytes;
+using sim::fromHex;
+using sim::toHex;
+
+/// The program with its output caught.
+class Program
+{
+  public:
+    explicit Program(std::vector<std::string> arguments)
+    {
+        arguments.insert(arguments.begin(), SIMCARD_PROGRAM);
+        std::vector<char*> argv;
+        for (std::string& argument : arguments) {
+            argv.push_back(argument.data());
+        }
+        argv.push_back(nullptr);
+
+        std::array<int, 2> ends{};
+        if (::pipe(ends.data()) != 0) {
+            throw std::runtime_error("no pipe");
+        }
+        posix_spawn_file_actions_t actions;
+        ::posix_spawn_file_actions_init(&actions);
+        ::posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+        ::posix_spawn_file_actions_adddup2(&actions, ends[1], STDERR_FILENO);
+        ::posix_spawn_file_actions_addclose(&actions, ends[0]);
+        const int error = ::posix_spawn(&m_process, SIMCARD_PROGRAM, &actions, nullptr, argv.data(), environ);
+        ::posix_spawn_file_actions_destroy(&actions);
+        ::close(ends[1]);
+        m_output = ends[0];
+        if (error != 0) {
+            throw std::runtime_error("the program does not start");
+        }
+    }
+
+    ~Program()
+    {
+        if (m_process > 0) {
+            ::kill(m_process, SIGKILL);
+            ::waitpid(m_process, nullptr, 0);
+        }
+        ::close(m_output);
+    }
+
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    void signal(int number) const { ::kill(m_process, number); }
+
+    std::string firstLine()
+    {
+        std::string line;
+        char c = 0;
+        while (::read(m_output, &c, 1) == 1 && c != '\n') {
+            line += c;
+        }
+        return line;
+    }
+
+    /// Waits for the end; the exit code, or -1 for another end.
+    int exitCode()
+    {
+        int status = 0;
+        ::waitpid(m_process, &status, 0);
+        m_process = 0;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+  private:
+    pid_t m_process = 0;
+    int m_output = -1;
+};
+
+std::string ask(FakeReader& reader, const char* message)
+{
+    const auto answer = reader.ask(fromHex(message));
+    return answer ? toHex(*answer) : "gone";
+}
+
+TEST(SimcardProgram, servesADriverCardUntilItIsInterrupted)
+{
+    for (const int number : {SIGINT, SIGTERM}) {
+        FakeReader reader;
+        Program program(
+            {"--port", std::to_string(reader.port()), "--days", "3", "--events", "6", "--places", "100"});
+        ASSERT_TRUE(reader.acceptCard());
+        EXPECT_EQ(
+            program.firstLine(),
+            "Card of kind driver-g1 is in the reader at 127.0.0.1:" + std::to_string(reader.port()));
+        EXPECT_EQ(ask(reader, "04"), toHex(sim::DefaultAtr));
+        EXPECT_EQ(ask(reader, "00 A4 04 0C 06 FF 54 41 43 48 4F"), "90 00");
+        EXPECT_EQ(ask(reader, "00 A4 02 0C 02 05 01"), "90 00");
+        EXPECT_EQ(ask(reader, "00 B0 00 00 0A"), "01 00 00 06 18 35 D0 00 C8 64 90 00");
+        program.signal(number);
+        EXPECT_EQ(program.exitCode(), 0);
+        EXPECT_TRUE(reader.cardIsGone());
+    }
+}
+
+TEST(SimcardProgram, servesTheCardThatItsOptionsDescribe)
+{
+    sim::DriverParameters parameters;
+    parameters.seed = 5;
+    parameters.nation = 0x28;
+    parameters.codePage = 2;
+    parameters.days = 4;
+    parameters.lastDay = 1718668800; // 2024-06-18
+    parameters.faultsPerType = 12;
+    parameters.activityLength = 5544;
+    parameters.vehicles = 84;
+    parameters.surname = "Łoś";
+    parameters.firstNames = "Ewa";
+    const sim::Card expected(sim::makeDriverCardG1(parameters));
+
+    FakeReader reader;
+    Program program({"--port",        std::to_string(reader.port()),
+                     "--host",        "127.0.0.1",
+                     "--seed",        "5",
+                     "--nation",      "28",
+                     "--code-page",   "2",
+                     "--days",        "4",
+                     "--last-day",    "2024-06-18",
+                     "--faults",      "12",
+                     "--activity",    "5544",
+                     "--vehicles",    "84",
+                     "--surname",     "Łoś",
+                     "--first-names", "Ewa",
+                     "--kind",        "driver-g1",
+                     "--bit-rate",    "10000000"});
+    ASSERT_TRUE(reader.acceptCard());
+    ask(reader, "00 A4 04 0C 06 FF 54 41 43 48 4F");
+    ask(reader, "00 A4 02 0C 02 05 20");
+    EXPECT_EQ(ask(reader, "00 B0 00 00 8F"), toHex(*expected.file(sim::AidG1, 0x0520)) + " 90 00");
+    ask(reader, "00 A4 02 0C 02 05 04");
+    EXPECT_EQ(
+        ask(reader, "00 B0 00 00 64"),
+        toHex(sim::slice(*expected.file(sim::AidG1, 0x0504), 0, 100)) + " 90 00");
+    EXPECT_EQ(ask(reader, "00 B0 15 AC 01"), "67 00") << "the end of the buffer";
+}
+
+TEST(SimcardProgram, servesAControlCard)
+{
+    FakeReader reader;
+    Program program({"--port", std::to_string(reader.port()), "--kind", "control-g1"});
+    ASSERT_TRUE(reader.acceptCard());
+    ask(reader, "00 A4 04 0C 06 FF 54 41 43 48 4F");
+    ask(reader, "00 A4 02 0C 02 05 01");
+    EXPECT_EQ(ask(reader, "00 B0 00 00 05"), "03 00 00 00 E6 90 00");
+}
+
+TEST(SimcardProgram, failsAndPullsTheCardAtTheChosenCommands)
+{
+    FakeReader reader;
+    Program program({"--port", std::to_string(reader.port()), "--fail-at", "0:6400", "--pull-at", "2"});
+    ASSERT_TRUE(reader.acceptCard());
+    EXPECT_EQ(ask(reader, "00 A4 02 0C 02 00 02"), "64 00");
+    EXPECT_EQ(ask(reader, "00 A4 02 0C 02 00 02"), "90 00");
+    EXPECT_EQ(ask(reader, "00 B0 00 00 19"), "gone");
+    EXPECT_EQ(program.exitCode(), 0);
+}
+
+TEST(SimcardProgram, endsWhenTheReaderGoes)
+{
+    FakeReader reader;
+    Program program({"--port", std::to_string(reader.port())});
+    ASSERT_TRUE(reader.acceptCard());
+    reader.hangUp();
+    EXPECT_EQ(program.exitCode(), 0);
+}
+
+TEST(SimcardProgram, failsWithoutAReader)
+{
+    FakeReader reader(FakeReader::Start::Deaf);
+    Program program({"--port", std::to_string(reader.port()), "--connect-timeout", "0"});
+    EXPECT_EQ(program.firstLine(), "scard-simcard: no reader at 127.0.0.1:" + std::to_string(reader.port()));
+    EXPECT_EQ(program.exitCode(), 1);
+}
+
+TEST(SimcardProgram, explainsItself)
+{
+    Program program({"--help"});
+    EXPECT_EQ(program.firstLine(), "Usage: scard-simcard [options]");
+    EXPECT_EQ(program.exitCode(), 0);
+}
+
+struct ArgumentRow
+{
+    const char* name;
+    std::vector<std::string> arguments;
+};
+
+void PrintTo(const ArgumentRow& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
+class WrongArguments : public testing::TestWithParam<ArgumentRow>
+{};
+
+TEST_P(WrongArguments, areRefused)
+{
+    Program program(GetParam().arguments);
+    EXPECT_NE(program.firstLine(), "");
+    EXPECT_EQ(program.exitCode(), 2);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, WrongArguments,
+    testing::Values(
+        ArgumentRow{"anUnknownOption", {"--unknown"}}, ArgumentRow{"anOptionWithoutItsValue", {"--port"}},
+        ArgumentRow{"aPortTooLarge", {"--port", "65536"}}, ArgumentRow{"aPortWithLetters", {"--port", "12x"}},
+        ArgumentRow{"anEmptyPort", {"--port", ""}}, ArgumentRow{"noDays", {"--days", "0"}},
+        ArgumentRow{"negativeDays", {"--days", "-1"}}, ArgumentRow{"tooManyEvents", {"--events", "256"}},
+        ArgumentRow{"aNationWithoutNumber", {"--nation", "XY"}},
+        ArgumentRow{"aCodePageThatDoesNotExist", {"--code-page", "12"}},
+        ArgumentRow{"aDayThatDoesNotExist", {"--last-day", "2024-02-30"}},
+        ArgumentRow{"aDateWithoutHyphens", {"--last-day", "20240305"}},
+        ArgumentRow{"aDateWithoutDay", {"--last-day", "2024-03"}},
+        ArgumentRow{"anUnknownKind", {"--kind", "driver-g9"}},
+        ArgumentRow{"aFaultWithoutStatusWord", {"--fail-at", "5"}},
+        ArgumentRow{"aFaultWithAnEmptyStatusWord", {"--fail-at", "5:"}},
+        ArgumentRow{"aFaultWithALongStatusWord", {"--fail-at", "5:10000"}},
+        ArgumentRow{"aPullWithoutNumber", {"--pull-at", "x"}},
+        ArgumentRow{"aLineWithoutSpeed", {"--bit-rate", "0"}},
+        ArgumentRow{"aNameOfAnotherCodePage", {"--surname", "Łoś"}},
+        ArgumentRow{"anArgumentThatIsNoOption", {"card"}}),
+    RowName());
+
+} // namespace
