@@ -1,0 +1,193 @@
+#include <scard/records/DriverCard.h>
+#include <scard/records/Identification.h>
+#include <scard/records/TextFields.h>
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <type_traits>
+
+// Where each field of a card's records lies, and how long it is.
+
+namespace {
+
+using namespace scard;
+
+/// A record stands anywhere in the card's bytes and is copied byte for byte.
+template <typename Record>
+void expectPlainBytes(std::size_t size)
+{
+    EXPECT_EQ(sizeof(Record), size);
+    EXPECT_EQ(alignof(Record), 1U);
+    EXPECT_TRUE(std::is_trivially_copyable_v<Record>);
+    EXPECT_TRUE(std::is_standard_layout_v<Record>);
+}
+
+#define EXPECT_FIELD(Record, field, offset, size)                                                            \
+    do {                                                                                                     \
+        EXPECT_EQ(offsetof(Record, field), std::size_t{offset}) << #field;                                   \
+        EXPECT_EQ(sizeof(Record::field), std::size_t{size}) << #field;                                       \
+    } while (false)
+
+TEST(Records, CardIccIdentification)
+{
+    expectPlainBytes<CardIccIdentification>(25);
+    EXPECT_FIELD(CardIccIdentification, clockStop, 0, 1);
+    EXPECT_FIELD(CardIccIdentification, cardExtendedSerialNumber, 1, 8);
+    EXPECT_FIELD(CardIccIdentification, cardApprovalNumber, 9, 8);
+    EXPECT_FIELD(CardIccIdentification, cardPersonaliserID, 17, 1);
+    EXPECT_FIELD(CardIccIdentification, embedderIcAssemblerId, 18, 5);
+    EXPECT_FIELD(CardIccIdentification, icIdentifier, 23, 2);
+
+    expectPlainBytes<ExtendedSerialNumber>(8);
+    EXPECT_FIELD(ExtendedSerialNumber, serialNumber, 0, 4);
+    EXPECT_FIELD(ExtendedSerialNumber, monthYear, 4, 2);
+    EXPECT_FIELD(ExtendedSerialNumber, type, 6, 1);
+    EXPECT_FIELD(ExtendedSerialNumber, manufacturerCode, 7, 1);
+
+    expectPlainBytes<EmbedderIcAssemblerId>(5);
+    EXPECT_FIELD(EmbedderIcAssemblerId, countryCode, 0, 2);
+    EXPECT_FIELD(EmbedderIcAssemblerId, moduleEmbedder, 2, 2);
+    EXPECT_FIELD(EmbedderIcAssemblerId, manufacturerInformation, 4, 1);
+}
+
+TEST(Records, CardIcIdentification)
+{
+    expectPlainBytes<CardIcIdentification>(8);
+    EXPECT_FIELD(CardIcIdentification, icSerialNumber, 0, 4);
+    EXPECT_FIELD(CardIcIdentification, icManufacturingReferences, 4, 4);
+}
+
+TEST(Records, GenericCardApplicationIdentification)
+{
+    expectPlainBytes<GenericCardApplicationIdentification>(3);
+    EXPECT_FIELD(GenericCardApplicationIdentification, typeOfTachographCardId, 0, 1);
+    EXPECT_FIELD(GenericCardApplicationIdentification, cardStructureVersion, 1, 2);
+}
+
+TEST(Records, TextFields)
+{
+    expectPlainBytes<Name>(36);
+    EXPECT_FIELD(Name, codePage, 0, 1);
+    EXPECT_FIELD(Name, name, 1, 35);
+
+    expectPlainBytes<Address>(36);
+    EXPECT_FIELD(Address, codePage, 0, 1);
+    EXPECT_FIELD(Address, address, 1, 35);
+
+    expectPlainBytes<VehicleRegistrationNumber>(14);
+    EXPECT_FIELD(VehicleRegistrationNumber, codePage, 0, 1);
+    EXPECT_FIELD(VehicleRegistrationNumber, vehicleRegNumber, 1, 13);
+
+    expectPlainBytes<VehicleRegistrationIdentification>(15);
+    EXPECT_FIELD(VehicleRegistrationIdentification, vehicleRegistrationNation, 0, 1);
+    EXPECT_FIELD(VehicleRegistrationIdentification, vehicleRegistrationNumber, 1, 14);
+}
+
+TEST(Records, DriverCardApplicationIdentification)
+{
+    expectPlainBytes<DriverCardApplicationIdentification_g1>(10);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g1, typeOfTachographCardId, 0, 1);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g1, cardStructureVersion, 1, 2);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g1, noOfEventsPerType, 3, 1);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g1, noOfFaultsPerType, 4, 1);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g1, activityStructureLength, 5, 2);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g1, noOfCardVehicleRecords, 7, 2);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g1, noOfCardPlaceRecords, 9, 1);
+}
+
+TEST(Records, DriverCardIdentification)
+{
+    expectPlainBytes<DriverCard_EF_Identification>(143);
+    EXPECT_FIELD(DriverCard_EF_Identification, cardIssuingMemberState, 0, 1);
+    EXPECT_FIELD(DriverCard_EF_Identification, cardNumber, 1, 16);
+    EXPECT_FIELD(DriverCard_EF_Identification, cardIssuingAuthorityName, 17, 36);
+    EXPECT_FIELD(DriverCard_EF_Identification, cardIssueDate, 53, 4);
+    EXPECT_FIELD(DriverCard_EF_Identification, cardValidityBegin, 57, 4);
+    EXPECT_FIELD(DriverCard_EF_Identification, cardExpiryDate, 61, 4);
+    EXPECT_FIELD(DriverCard_EF_Identification, holderSurname, 65, 36);
+    EXPECT_FIELD(DriverCard_EF_Identification, holderFirstNames, 101, 36);
+    EXPECT_FIELD(DriverCard_EF_Identification, cardHolderBirthDate, 137, 4);
+    EXPECT_FIELD(DriverCard_EF_Identification, cardHolderPreferredLanguage, 141, 2);
+
+    expectPlainBytes<DriverCardNumber>(16);
+    EXPECT_FIELD(DriverCardNumber, driverIdentification, 0, 14);
+    EXPECT_FIELD(DriverCardNumber, cardReplacementIndex, 14, 1);
+    EXPECT_FIELD(DriverCardNumber, cardRenewalIndex, 15, 1);
+}
+
+TEST(Records, CardDrivingLicenceInformation)
+{
+    expectPlainBytes<CardDrivingLicenceInformation>(53);
+    EXPECT_FIELD(CardDrivingLicenceInformation, drivingLicenceIssuingAuthority, 0, 36);
+    EXPECT_FIELD(CardDrivingLicenceInformation, drivingLicenceIssuingNation, 36, 1);
+    EXPECT_FIELD(CardDrivingLicenceInformation, drivingLicenceNumber, 37, 16);
+}
+
+TEST(Records, EventsAndFaultsHaveOneLayout)
+{
+    expectPlainBytes<CardEventRecord>(24);
+    EXPECT_FIELD(CardEventRecord, eventType, 0, 1);
+    EXPECT_FIELD(CardEventRecord, beginTime, 1, 4);
+    EXPECT_FIELD(CardEventRecord, endTime, 5, 4);
+    EXPECT_FIELD(CardEventRecord, vehicleRegistration, 9, 15);
+
+    expectPlainBytes<CardFaultRecord>(24);
+    EXPECT_FIELD(CardFaultRecord, faultType, 0, 1);
+    EXPECT_FIELD(CardFaultRecord, beginTime, 1, 4);
+    EXPECT_FIELD(CardFaultRecord, endTime, 5, 4);
+    EXPECT_FIELD(CardFaultRecord, vehicleRegistration, 9, 15);
+}
+
+TEST(Records, CardVehicleRecord)
+{
+    expectPlainBytes<CardVehicleRecord_g1>(31);
+    EXPECT_FIELD(CardVehicleRecord_g1, vehicleOdometerBegin, 0, 3);
+    EXPECT_FIELD(CardVehicleRecord_g1, vehicleOdometerEnd, 3, 3);
+    EXPECT_FIELD(CardVehicleRecord_g1, vehicleFirstUse, 6, 4);
+    EXPECT_FIELD(CardVehicleRecord_g1, vehicleLastUse, 10, 4);
+    EXPECT_FIELD(CardVehicleRecord_g1, vehicleRegistration, 14, 15);
+    EXPECT_FIELD(CardVehicleRecord_g1, vuDataBlockCounter, 29, 2);
+}
+
+TEST(Records, PlaceRecord)
+{
+    expectPlainBytes<PlaceRecord_g1>(10);
+    EXPECT_FIELD(PlaceRecord_g1, entryTime, 0, 4);
+    EXPECT_FIELD(PlaceRecord_g1, entryTypeDailyWorkPeriod, 4, 1);
+    EXPECT_FIELD(PlaceRecord_g1, dailyWorkPeriodCountry, 5, 1);
+    EXPECT_FIELD(PlaceRecord_g1, dailyWorkPeriodRegion, 6, 1);
+    EXPECT_FIELD(PlaceRecord_g1, vehicleOdometerValue, 7, 3);
+}
+
+TEST(Records, CardCurrentUse)
+{
+    expectPlainBytes<CardCurrentUse>(19);
+    EXPECT_FIELD(CardCurrentUse, sessionOpenTime, 0, 4);
+    EXPECT_FIELD(CardCurrentUse, sessionOpenVehicle, 4, 15);
+}
+
+TEST(Records, CardControlActivityDataRecord)
+{
+    expectPlainBytes<CardControlActivityDataRecord>(46);
+    EXPECT_FIELD(CardControlActivityDataRecord, controlType, 0, 1);
+    EXPECT_FIELD(CardControlActivityDataRecord, controlTime, 1, 4);
+    EXPECT_FIELD(CardControlActivityDataRecord, controlCardNumber, 5, 18);
+    EXPECT_FIELD(CardControlActivityDataRecord, controlVehicleRegistration, 23, 15);
+    EXPECT_FIELD(CardControlActivityDataRecord, controlDownloadPeriodBegin, 38, 4);
+    EXPECT_FIELD(CardControlActivityDataRecord, controlDownloadPeriodEnd, 42, 4);
+
+    expectPlainBytes<FullCardNumber>(18);
+    EXPECT_FIELD(FullCardNumber, cardType, 0, 1);
+    EXPECT_FIELD(FullCardNumber, cardIssuingMemberState, 1, 1);
+    EXPECT_FIELD(FullCardNumber, cardNumber, 2, 16);
+}
+
+TEST(Records, SpecificConditionRecord)
+{
+    expectPlainBytes<SpecificConditionRecord>(5);
+    EXPECT_FIELD(SpecificConditionRecord, entryTime, 0, 4);
+    EXPECT_FIELD(SpecificConditionRecord, specificConditionType, 4, 1);
+}
+
+} // namespace
