@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// The description of a card application: one row an EF. What a download adds up, reads and saves
+// follows from the rows; a new EF is a new row, a new kind of card is a new table.
+
+namespace scard::detail {
+
+/// How many records a piece of an EF has: a fixed number, or what an identification EF of the same
+/// application says.
+struct RecordCount
+{
+    std::uint32_t fixed = 0;
+    unsigned short fid = 0;      ///< EF that holds the number; 0 for a fixed one
+    std::size_t fieldOffset = 0; ///< bytes from the start of that EF
+    std::size_t fieldLength = 0; ///< bytes of the big-endian number
+};
+
+constexpr RecordCount fixedCount(std::uint32_t number)
+{
+    return {number, 0, 0, 0};
+}
+
+constexpr RecordCount countField(unsigned short fid, std::size_t offset, std::size_t length)
+{
+    return {0, fid, offset, length};
+}
+
+/// The count that a field of an identification record gives.
+#define SCARD_COUNT_FIELD(fid, Record, field)                                                                \
+    ::scard::detail::countField(fid, offsetof(Record, field), sizeof(Record::field))
+
+/// Records of one size that stand one behind the other. Pieces of an EF follow each other from its start.
+struct Piece
+{
+    std::size_t recordSize = 1; ///< bytes
+    RecordCount count;          ///< records in a group
+    unsigned short groups = 1;
+};
+
+enum class Signing
+{
+    Unsigned,
+    Signed
+};
+
+/// What a failed read means for an object on an image; on a card every failure ends the download.
+enum class InImage
+{
+    Required,
+    Optional
+};
+
+/// When the bytes of an EF come to the object.
+enum class ReadAt
+{
+    Identification,
+    Download
+};
+
+struct EfRow
+{
+    unsigned short fid;
+    const char* name;        ///< as the debug stream gets it
+    const char* failureText; ///< the debug stream's words before the error; none for ReadAt::Identification
+    std::vector<Piece> pieces;
+    Signing signing = Signing::Unsigned;
+    InImage inImage = InImage::Required;
+    ReadAt readAt = ReadAt::Download;
+};
+
+struct EfTable
+{
+    std::string applicationName;
+    bool secondGeneration = false;
+    std::vector<EfRow> rows;               ///< in reading order
+    std::vector<unsigned short> saveOrder; ///< FIDs in the order of the download image
+};
+
+} // namespace scard::detail

@@ -1,0 +1,93 @@
+#include <scard/SCardDriverG1.h>
+#include <scard/SCardGeneric.h>
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstring>
+
+// Hosts are compiled against the order of the virtual operations.
+
+namespace {
+
+using scard::SCardDriverG1;
+using scard::SCardGeneric;
+
+constexpr std::ptrdiff_t notVirtual = -1;
+
+/// The slot of a virtual operation, read out of the pointer to it. Itanium C++ ABI: the first word is 1
+/// + the offset in the table; on ARM, where odd addresses have a meaning, it is the offset and the low
+/// bit of the second word says that the operation is virtual.
+template <typename Operation>
+std::ptrdiff_t slotOf(Operation operation)
+{
+    std::ptrdiff_t words[2];
+    static_assert(sizeof operation == sizeof words);
+    std::memcpy(words, &operation, sizeof words);
+#if defined(__arm__) || defined(__aarch64__)
+    const bool isVirtual = (words[1] & 1) != 0;
+    const std::ptrdiff_t offset = words[0];
+#else
+    const bool isVirtual = (words[0] & 1) != 0;
+    const std::ptrdiff_t offset = words[0] - 1;
+#endif
+    return isVirtual ? offset / static_cast<std::ptrdiff_t>(sizeof(void*)) : notVirtual;
+}
+
+struct LastOfQObject : QObject
+{
+    static std::ptrdiff_t slot() { return slotOf(&LastOfQObject::disconnectNotify); }
+};
+
+TEST(VirtualSlots, AreReadRightlyFromQObject)
+{
+    // metaObject, qt_metacast, qt_metacall, two destructors, event, eventFilter
+    EXPECT_EQ(slotOf(&QObject::metaObject), 0);
+    EXPECT_EQ(slotOf(&QObject::event), 5);
+    EXPECT_EQ(slotOf(&QObject::eventFilter), 6);
+    EXPECT_EQ(slotOf(&QObject::objectName), notVirtual);
+}
+
+TEST(VirtualSlots, TheDownloadStepsFollowQObject)
+{
+    const std::ptrdiff_t first = LastOfQObject::slot() + 1;
+    EXPECT_EQ(slotOf(&SCardGeneric::calcDataToRead), first);
+    EXPECT_EQ(slotOf(&SCardGeneric::read), first + 1);
+    EXPECT_EQ(slotOf(&SCardGeneric::saveToFile), first + 2);
+    EXPECT_EQ(slotOf(&SCardGeneric::postDownloadTasks), first + 3);
+    EXPECT_EQ(slotOf(&SCardGeneric::extraTask), first + 4);
+}
+
+TEST(VirtualSlots, TheDriverCardKeepsTheStepsInTheirSlots)
+{
+    EXPECT_EQ(slotOf(&SCardDriverG1::calcDataToRead), slotOf(&SCardGeneric::calcDataToRead));
+    EXPECT_EQ(slotOf(&SCardDriverG1::read), slotOf(&SCardGeneric::read));
+    EXPECT_EQ(slotOf(&SCardDriverG1::saveToFile), slotOf(&SCardGeneric::saveToFile));
+    EXPECT_EQ(slotOf(&SCardDriverG1::postDownloadTasks), slotOf(&SCardGeneric::postDownloadTasks));
+    EXPECT_EQ(slotOf(&SCardDriverG1::extraTask), slotOf(&SCardGeneric::extraTask));
+}
+
+TEST(VirtualSlots, TheDriverCardsOperationsFollowTheSteps)
+{
+    const std::ptrdiff_t first = slotOf(&SCardGeneric::extraTask) + 1;
+    EXPECT_EQ(slotOf(&SCardDriverG1::getCardIdentification), first);
+    EXPECT_EQ(slotOf(&SCardDriverG1::getLastCardDownload), first + 1);
+    EXPECT_EQ(slotOf(&SCardDriverG1::getCardHolderName), first + 2);
+    EXPECT_EQ(slotOf(&SCardDriverG1::getActivities), first + 3);
+    EXPECT_EQ(slotOf(&SCardDriverG1::getVehiclesUsed), first + 4);
+    EXPECT_EQ(slotOf(&SCardDriverG1::getEvents), first + 5);
+    EXPECT_EQ(slotOf(&SCardDriverG1::getFaults), first + 6);
+    EXPECT_EQ(slotOf(&SCardDriverG1::buildDailyActivityList), first + 7);
+    EXPECT_EQ(slotOf(&SCardDriverG1::buildUsedVehiclesList), first + 8);
+    EXPECT_EQ(slotOf(&SCardDriverG1::buildEventList), first + 9);
+    EXPECT_EQ(slotOf(&SCardDriverG1::buildFaultList), first + 10);
+}
+
+TEST(VirtualSlots, WhatIsCalledDirectlyHasNoSlot)
+{
+    EXPECT_EQ(slotOf(&SCardGeneric::readCardInfo), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG1::constructFilename), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG1::updateLastCardDownload), notVirtual);
+}
+
+} // namespace

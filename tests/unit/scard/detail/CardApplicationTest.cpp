@@ -1,0 +1,230 @@
+#include "QtPrinters.h"
+#include "scard/Image.h"
+
+#include <scard/detail/ApplicationName.h>
+#include <scard/detail/CardApplication.h>
+#include <scard/records/BigEndian.h>
+#include <support/DebugStream.h>
+#include <support/ErrorChain.h>
+
+#include <gmock/gmock.h>
+
+#include <QTemporaryDir>
+
+namespace {
+
+using namespace scard::detail;
+using test::Bytes;
+using test::chain;
+using test::Image;
+using test::ImageFile;
+using test::lib;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// A counting EF, an EF of a head and as many records of two bytes, and a closing one.
+const EfTable& threeFiles()
+{
+    static const EfTable table = [] {
+        EfTable rows;
+        rows.applicationName = firstGenerationApplication();
+        rows.rows = {
+            {0x0001,
+             "EF_Skipped",
+             "skipped:",
+             {{4, fixedCount(1), 1}},
+             Signing::Unsigned,
+             InImage::Required,
+             ReadAt::Identification},
+            {0x0101,
+             "EF_Counts",
+             "counts failed:",
+             {{1, fixedCount(2), 1}},
+             Signing::Signed,
+             InImage::Required},
+            {0x0102,
+             "EF_Records",
+             "records failed:",
+             {{1, fixedCount(1), 1}, {2, countField(0x0101, 1, 1), 1}},
+             Signing::Signed,
+             InImage::Optional},
+            {0x0103,
+             "EF_Close",
+             "close failed:",
+             {{1, fixedCount(1), 1}},
+             Signing::Unsigned,
+             InImage::Required},
+        };
+        rows.saveOrder = {0x0103, 0x0001, 0x0102, 0x0101};
+        return rows;
+    }();
+    return table;
+}
+
+Image threeFilesImage()
+{
+    return Image()
+        .add(0x0103, test::dataG1, {0x77})
+        .add(0x0102, test::dataG1, {0x09, 1, 2, 3, 4, 5, 6, 0xEE})
+        .add(0x0101, test::dataG1, {0xAB, 3});
+}
+
+class CardApplicationOnImage : public testing::Test
+{
+  protected:
+    aux::Error read(const Image& image, bool onImage = true)
+    {
+        ImageFile file(image);
+        scard::SCardGeneric card(file, QDateTime(), scard::RegionDDD);
+        return application.read(card, onImage, [this](unsigned short fid) { announced.push_back(fid); });
+    }
+
+    CardApplication application{threeFiles()};
+    std::vector<unsigned short> announced;
+};
+
+TEST_F(CardApplicationOnImage, ReadsThePiecesOneBehindTheOtherByTheCountsReadBefore)
+{
+    EXPECT_THAT(chain(read(threeFilesImage())), IsEmpty());
+
+    EXPECT_THAT(application.bytes(0x0101), ElementsAre(0xAB, 3));
+    EXPECT_THAT(application.bytes(0x0102), ElementsAre(0x09, 1, 2, 3, 4, 5, 6));
+    EXPECT_THAT(application.bytes(0x0103), ElementsAre(0x77));
+}
+
+TEST_F(CardApplicationOnImage, AnnouncesEachEfThatWasReadInTheTablesOrder)
+{
+    EXPECT_THAT(chain(read(threeFilesImage())), IsEmpty());
+
+    EXPECT_THAT(announced, ElementsAre(0x0101, 0x0102, 0x0103));
+    EXPECT_THAT(
+        test::DebugStream::lines(),
+        ElementsAre(
+            QStringLiteral("\nEF_Counts"), QStringLiteral("\nEF_Records"), QStringLiteral("\nEF_Close")));
+}
+
+TEST_F(CardApplicationOnImage, ACountOfZeroReadsTheHeadOnly)
+{
+    EXPECT_THAT(chain(read(threeFilesImage().replace(0x0101, {0xAB, 0}).replace(0x0102, {0x09}))), IsEmpty());
+
+    EXPECT_THAT(application.bytes(0x0102), ElementsAre(0x09));
+}
+
+TEST_F(CardApplicationOnImage, AMissingOptionalEfIsLoggedAndPassed)
+{
+    EXPECT_THAT(chain(read(threeFilesImage().without(0x0102))), IsEmpty());
+
+    EXPECT_THAT(announced, ElementsAre(0x0101, 0x0103));
+    EXPECT_THAT(application.bytes(0x0102), IsEmpty());
+    const QStringList logged = test::DebugStream::lines().filter(QStringLiteral("records failed:"));
+    ASSERT_EQ(logged.size(), 1);
+    EXPECT_TRUE(logged.front().startsWith(QStringLiteral("records failed: ")));
+    EXPECT_TRUE(logged.front().contains(QStringLiteral("memSelectFile(): Dataset not found")));
+}
+
+TEST_F(CardApplicationOnImage, AnOptionalEfOfACardIsRequired)
+{
+    EXPECT_THAT(
+        chain(read(threeFilesImage().without(0x0102), false)),
+        ElementsAre(
+            lib("memSelectFile(): Dataset not found"), lib("readFromMem() memSelectFile() Failed: ID 102")));
+
+    EXPECT_THAT(announced, ElementsAre(0x0101));
+}
+
+TEST_F(CardApplicationOnImage, AMissingRequiredEfEndsTheWalk)
+{
+    EXPECT_THAT(
+        chain(read(threeFilesImage().without(0x0101))),
+        ElementsAre(
+            lib("memSelectFile(): Dataset not found"), lib("readFromMem() memSelectFile() Failed: ID 101")));
+
+    EXPECT_THAT(announced, IsEmpty());
+    EXPECT_FALSE(test::DebugStream::contains(QStringLiteral("\nEF_Records")));
+}
+
+TEST_F(CardApplicationOnImage, AnEfThatEndsInsideAPieceIsNotKept)
+{
+    EXPECT_THAT(chain(read(threeFilesImage().replace(0x0102, {0x09, 1, 2, 3}))), IsEmpty());
+
+    EXPECT_THAT(application.bytes(0x0102), IsEmpty());
+}
+
+TEST_F(CardApplicationOnImage, SavesInSavingOrderWithTheSignaturesOfSignedRows)
+{
+    ASSERT_THAT(chain(read(threeFilesImage().replace(0x0102, {0x09, 1, 2, 3, 4, 5, 6}))), IsEmpty());
+    application.keep(0x0001, {1, 2, 3, 4});
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("saved")));
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    scard::SCardGeneric card(0, QDateTime(), scard::RegionDDD);
+
+    EXPECT_THAT(chain(application.save(card, file)), IsEmpty());
+
+    // An image has no signatures to give: 256 zero bytes stand for each.
+    const Bytes signature(256);
+    const Bytes expected = Image()
+                               .add(0x0103, test::dataG1, {0x77})
+                               .add(0x0001, test::dataG1, {1, 2, 3, 4})
+                               .add(0x0102, test::dataG1, {0x09, 1, 2, 3, 4, 5, 6})
+                               .add(0x0102, test::signatureG1, signature)
+                               .add(0x0101, test::dataG1, {0xAB, 3})
+                               .add(0x0101, test::signatureG1, signature)
+                               .bytes();
+    ASSERT_TRUE(file.seek(0));
+    const QByteArray saved = file.readAll();
+    EXPECT_EQ(Bytes(saved.begin(), saved.end()), expected);
+}
+
+TEST_F(CardApplicationOnImage, SavingAnEfThatWasNotReadFails)
+{
+    ASSERT_THAT(chain(read(threeFilesImage().without(0x0102))), IsEmpty());
+    application.keep(0x0001, {1, 2, 3, 4});
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("saved")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    scard::SCardGeneric card(0, QDateTime(), scard::RegionDDD);
+
+    EXPECT_THAT(
+        chain(application.save(card, file)), ElementsAre(lib("writeDatasetToFile(): no valid data", 0)));
+}
+
+TEST_F(CardApplicationOnImage, ClearForgetsWhatWasRead)
+{
+    ASSERT_THAT(chain(read(threeFilesImage())), IsEmpty());
+
+    application.clear();
+
+    EXPECT_THAT(application.bytes(0x0101), IsEmpty());
+}
+
+TEST(CardApplication, ARecordThatWasNotReadIsAllZero)
+{
+    CardApplication application(threeFiles());
+    EXPECT_EQ(application.record<scard::TimeReal>(0x0101).value(), 0U);
+
+    application.keep(0x0101, {1, 2, 3});
+    EXPECT_EQ(application.record<scard::TimeReal>(0x0101).value(), 0U);
+
+    application.keep(0x0101, {1, 2, 3, 4, 5});
+    EXPECT_EQ(application.record<scard::TimeReal>(0x0101).value(), 0x01020304U);
+}
+
+TEST(CardApplication, AddsUpTheBytesOfAllRows)
+{
+    CardApplication application(threeFiles());
+    EXPECT_EQ(application.dataToRead(), 4U + 2 + 1 + 1);
+
+    application.keep(0x0101, {0xAB, 200});
+    EXPECT_EQ(application.dataToRead(), 4U + 2 + 1 + 400 + 1);
+}
+
+TEST(CardApplication, ACountBehindTheEndOfItsEfIsZero)
+{
+    CardApplication application(threeFiles());
+    application.keep(0x0101, {0xAB});
+
+    EXPECT_EQ(application.dataToRead(), 8U);
+}
+
+} // namespace
