@@ -1,0 +1,151 @@
+#include "QtPrinters.h"
+#include "scard/DriverImage.h"
+
+#include <scard/SCardDriverG1.h>
+#include <scard/SCardReader.h>
+#include <support/DebugStream.h>
+#include <support/ErrorChain.h>
+
+#include <gmock/gmock.h>
+
+#include <QCoreApplication>
+#include <QMetaType>
+
+#include <typeinfo>
+
+// What a reader object does before it meets PC/SC.
+
+namespace {
+
+using scard::RegionDDD;
+using scard::RegionTGD;
+using scard::SCardDriverG1;
+using scard::SCardGeneric;
+using scard::SCardReader;
+using test::chain;
+using test::Image;
+using test::ImageFile;
+using test::lib;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+QDateTime moment()
+{
+    return QDateTime(QDate(2024, 3, 5), QTime(14, 7), Qt::UTC);
+}
+
+TEST(SCardReader, ReadingBeforeOpeningFailsAndTellsNothing)
+{
+    SCardReader reader;
+    int told = 0;
+    QObject::connect(&reader, &SCardReader::cardType, [&] { ++told; });
+    QObject::connect(&reader, &SCardReader::readDone, [&] { ++told; });
+    QObject::connect(&reader, &SCardReader::error, [&] { ++told; });
+    QObject::connect(&reader, &SCardReader::progress, [&] { ++told; });
+
+    EXPECT_THAT(chain(reader.read(RegionDDD)), ElementsAre(lib("No SCardReader Connection established", 0)));
+
+    EXPECT_EQ(told, 0);
+}
+
+TEST(SCardReader, ADriverCardOfTheFirstGenerationGetsItsClass)
+{
+    ImageFile file(test::smallDriverImage());
+    SCardGeneric generic(file, moment(), RegionTGD);
+    ASSERT_THAT(chain(generic.readCardInfo()), IsEmpty());
+    SCardReader reader;
+
+    const std::shared_ptr<SCardGeneric> card = reader.generateSpecific(generic);
+
+    ASSERT_NE(dynamic_cast<SCardDriverG1*>(card.get()), nullptr);
+    EXPECT_EQ(card.use_count(), 1);
+    EXPECT_EQ(card->getCardType(), scard::SCardMeta::DriverCard);
+    EXPECT_EQ(card->getDownloadTimestamp(), moment());
+    unsigned int serial = 0;
+    EXPECT_THAT(
+        chain(card->getCardSerial(serial)),
+        ElementsAre(lib("getCardSerial(): card info not yet available", 0)));
+    EXPECT_THAT(chain(card->read()), IsEmpty());
+    EXPECT_EQ(card->getFilename(), QStringLiteral("C_DF00000012345601_D_20240305_1407.TGD"));
+}
+
+TEST(SCardReader, ATypeWithoutAClassStaysGeneric)
+{
+    SCardReader reader;
+    for (const unsigned char generation : {test::dataG1, test::dataG2}) {
+        SCOPED_TRACE(static_cast<int>(generation));
+        ImageFile file(Image().add(0x0501, generation, {3, 1, 1}));
+        SCardGeneric generic(file, moment(), RegionDDD);
+        ASSERT_THAT(chain(generic.readCardInfo()), IsEmpty());
+
+        const std::shared_ptr<SCardGeneric> card = reader.generateSpecific(generic);
+
+        const SCardGeneric& made = *card;
+        EXPECT_EQ(typeid(made), typeid(SCardGeneric));
+        EXPECT_NE(&made, &generic);
+        EXPECT_EQ(made.getCardType(), scard::SCardMeta::ControlCard);
+        EXPECT_EQ(made.is2ndGeneneration(), generation == test::dataG2);
+        EXPECT_EQ(made.is2_2Generation(), generation == test::dataG2);
+    }
+}
+
+TEST(SCardReader, ACardThatWasNotIdentifiedStaysGeneric)
+{
+    const SCardGeneric blank(0, moment(), RegionDDD);
+    SCardReader reader;
+
+    const std::shared_ptr<SCardGeneric> card = reader.generateSpecific(blank);
+
+    const SCardGeneric& made = *card;
+    EXPECT_EQ(typeid(made), typeid(SCardGeneric));
+}
+
+TEST(SCardReader, ErrorsTravelToAnotherEventLoop)
+{
+    SCardReader reader;
+    QObject receiver;
+    test::Chain received;
+    QObject::connect(
+        &reader, &SCardReader::error, &receiver,
+        [&](const aux::Error& failure) { received = chain(failure); }, Qt::QueuedConnection);
+    aux::Error failure;
+    failure.append(aux::ErrorData(QStringLiteral("libscard"), QStringLiteral("text"), 7));
+
+    Q_EMIT reader.error(failure);
+    EXPECT_THAT(received, IsEmpty());
+    QCoreApplication::processEvents();
+
+    EXPECT_THAT(received, ElementsAre(lib("text", 7)));
+}
+
+TEST(SCardReader, CardsAndTypesTravelToAnotherEventLoop)
+{
+    SCardReader reader;
+    QObject receiver;
+    std::shared_ptr<SCardGeneric> card;
+    auto type = scard::SCardMeta::Reserved;
+    QObject::connect(
+        &reader, &SCardReader::readDone, &receiver,
+        [&](const std::shared_ptr<SCardGeneric>& done) { card = done; }, Qt::QueuedConnection);
+    QObject::connect(
+        &reader, &SCardReader::cardType, &receiver, [&](scard::SCardMeta::Type told) { type = told; },
+        Qt::QueuedConnection);
+    const auto sent = std::make_shared<SCardGeneric>(0, moment(), RegionDDD);
+
+    Q_EMIT reader.readDone(sent);
+    Q_EMIT reader.cardType(scard::SCardMeta::CompanyCard);
+    QCoreApplication::processEvents();
+
+    EXPECT_EQ(card, sent);
+    EXPECT_EQ(type, scard::SCardMeta::CompanyCard);
+}
+
+TEST(SCardReader, MakingOneTouchesNothing)
+{
+    {
+        const SCardReader reader;
+    }
+    EXPECT_THAT(test::DebugStream::lines(), IsEmpty());
+}
+
+} // namespace
