@@ -1,0 +1,53 @@
+#include "CardInReader.h"
+
+#include <utility>
+
+namespace test {
+
+CardInReader::CardInReader()
+{
+    pcsc().reset();
+    pcsc().addReader(readerName);
+    insert(driverCard());
+}
+
+CardInReader::~CardInReader()
+{
+    EXPECT_EQ(pcsc().listsNotFreed(), 0u);
+    pcsc().reset();
+}
+
+sim::Card& CardInReader::insert(sim::CardDescription description)
+{
+    m_card = std::make_unique<sim::Card>(std::move(description));
+    pcsc().insert(readerName, *m_card);
+    return *m_card;
+}
+
+long CardInReader::connect()
+{
+    SCARDCONTEXT context = 0;
+    SCARDHANDLE handle = 0;
+    DWORD protocol = 0;
+    EXPECT_EQ(pcsc().establishContext(SCARD_SCOPE_SYSTEM, &context), SCARD_S_SUCCESS);
+    EXPECT_EQ(
+        pcsc().connect(context, readerName, SCARD_SHARE_SHARED, SCARD_PROTOCOL_T1, &handle, &protocol),
+        SCARD_S_SUCCESS);
+    return handle;
+}
+
+std::vector<std::string> CardInReader::commands() const
+{
+    std::vector<std::string> sent;
+    for (const sim::Exchange& exchange : m_card->log())
+        sent.push_back(sim::toHex(exchange.command));
+    return sent;
+}
+
+const sim::CardDescription& driverCard()
+{
+    static const sim::CardDescription description = sim::makeDriverCardG1();
+    return description;
+}
+
+} // namespace test

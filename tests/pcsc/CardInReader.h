@@ -1,0 +1,47 @@
+#pragma once
+
+#include <scard/SCardReader.h>
+#include <simulator/Card.h>
+#include <simulator/DriverCard.h>
+#include <standin/Pcsc.h>
+#include <support/Host.h>
+
+#include <gtest/gtest.h>
+
+#include <QByteArray>
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+namespace test {
+
+inline constexpr char readerName[] = "Simulated reader 00 00";
+
+/// A simulated card in the only reader of the stand-in.
+class CardInReader : public testing::Test
+{
+  protected:
+    CardInReader();
+    ~CardInReader() override;
+
+    /// Puts another card into the reader.
+    sim::Card& insert(sim::CardDescription description);
+
+    sim::Card& card() { return *m_card; }
+    static standin::Pcsc& pcsc() { return standin::Pcsc::instance(); }
+
+    /// Connects to the card as a reader's open() does, for a test that drives a card object itself.
+    long connect();
+
+    /// Commands that the card has got, in hexadecimal.
+    std::vector<std::string> commands() const;
+
+  private:
+    std::unique_ptr<sim::Card> m_card;
+};
+
+/// The driver card that the tests use, generated once.
+const sim::CardDescription& driverCard();
+
+} // namespace test
