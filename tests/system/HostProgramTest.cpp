@@ -1,0 +1,202 @@
+// The program `scard` as a person uses it.
+#include "CardBehindPcscd.h"
+
+#include <pcsc/ExpectedDownload.h>
+#include <support/PcscPresence.h>
+
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QRegularExpression>
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using namespace test;
+using testing::HasSubstr;
+using testing::Not;
+
+struct Outcome
+{
+    int exitCode = -1;
+    std::string out;
+    std::string err;
+};
+
+Outcome scardProgram(
+    const QStringList& arguments,
+    const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment())
+{
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.start(SCARD_PROGRAM, arguments);
+    EXPECT_TRUE(process.waitForFinished(60000));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    return {
+        process.exitCode(), process.readAllStandardOutput().toStdString(),
+        process.readAllStandardError().toStdString()};
+}
+
+sim::CardDescription janasCard()
+{
+    sim::DriverParameters parameters;
+    parameters.surname = "Mustermann";
+    parameters.firstNames = "Jana";
+    parameters.driverIdentification = "DF000000123456";
+    parameters.language = "de";
+    return sim::makeDriverCardG1(parameters);
+}
+
+class HostProgramTest : public CardBehindPcscd
+{};
+
+TEST_F(HostProgramTest, DownloadsACardAndSaysWhere)
+{
+    insert(janasCard());
+    const Outcome outcome = scardProgram({"download"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+    EXPECT_EQ(outcome.err, "");
+    const QRegularExpression whole(
+        R"(^Card: DriverCard\n)"
+        R"((Progress: 0 %\n))"
+        R"(Language: de\nHolder: Jana, Mustermann\n)"
+        R"((Progress: \d+ %\n)+)"
+        R"(File: (/tmp/C_\d{8}_\d{4}_J_Mustermann_DF000000123456\.DDD) \(26635 bytes\)\n$)");
+    const QRegularExpressionMatch match = whole.match(QString::fromStdString(outcome.out));
+    ASSERT_TRUE(match.hasMatch()) << outcome.out;
+    const QByteArray image = fileContent(match.captured(3));
+    EXPECT_EQ(sim::Bytes(image.begin(), image.end()), expectedImage(janasCard()));
+}
+
+TEST_F(HostProgramTest, NamesTheFileByTheRegion)
+{
+    insert(janasCard());
+    EXPECT_THAT(scardProgram({"download", "--region", "c1b"}).out, HasSubstr("/tmp/D__DF000000123456"));
+    takeOut();
+    insertAgain();
+    EXPECT_THAT(scardProgram({"download", "--region=tgd"}).out, HasSubstr(".TGD (26635 bytes)"));
+}
+
+TEST_F(HostProgramTest, PrintsTheWholeChainCauseFirst)
+{
+    insert(janasCard());
+    card().failAt(20, sim::Fault::status(0x6982));
+    const Outcome outcome = scardProgram({"download"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(
+        outcome.err, "The card could not be downloaded:\n"
+                     "  libscard: ScDataTransfer failed [6982]\n"
+                     "  libscard: ScSelectFile Failed: By IDc100 [6982]\n"
+                     "  libscard: readFrom() ScSelectFile() Failed: ID c100 [6982]\n"
+                     "  libscard: Failed reading card data\n");
+    EXPECT_THAT(outcome.out, Not(HasSubstr("File:")));
+}
+
+TEST_F(HostProgramTest, WhatACardCallsItsHolderCannotSteerTheTerminal)
+{
+    sim::CardDescription card = janasCard();
+    for (sim::FileDescription& file : card.applications.front().files) {
+        if (file.fid == 0x0520)
+            file.content[101 + 1 + 1] = 0x1B; // the second letter of the first names
+    }
+    insert(card);
+    const Outcome outcome = scardProgram({"download"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_THAT(outcome.out, HasSubstr("Holder: J?na, Mustermann\n"));
+}
+
+TEST_F(HostProgramTest, SaysThatThereIsNoCard)
+{
+    const Outcome outcome = scardProgram({"download"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(
+        outcome.err, "The card could not be downloaded:\n"
+                     "  SCard: open: SCardConnect() Failed: No smart card inserted.\n");
+}
+
+TEST_F(HostProgramTest, WaitsForACardOnlyAsLongAsItIsTold)
+{
+    const Outcome outcome = scardProgram({"download", "--wait", "1"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(
+        outcome.err, "The card could not be downloaded:\n"
+                     "  SCard: open: SCardConnect() Failed: No smart card inserted.\n");
+}
+
+TEST_F(HostProgramTest, DownloadsACardThatIsPutInWhileItWaits)
+{
+    ASSERT_TRUE(waitForPresence(false));
+    QProcess process;
+    process.setReadChannel(QProcess::StandardError);
+    process.start(SCARD_PROGRAM, {"download", "--wait", "30", "--verbose"});
+    ASSERT_TRUE(process.waitForReadyRead(10000));
+    QByteArray err = process.readAllStandardError();
+    EXPECT_EQ(err.toStdString(), "SCard init\n");
+    insert(janasCard());
+    ASSERT_TRUE(process.waitForFinished(60000));
+    EXPECT_EQ(process.exitCode(), 0);
+    EXPECT_THAT(process.readAllStandardOutput().toStdString(), HasSubstr("(26635 bytes)"));
+    EXPECT_THAT(process.readAllStandardError().toStdString(), Not(HasSubstr("removed")));
+}
+
+TEST_F(HostProgramTest, TheHostOfTheReadmeDownloadsACard)
+{
+    insert(janasCard());
+    QProcess process;
+    process.start(README_HOST, QStringList());
+    ASSERT_TRUE(process.waitForFinished(60000));
+    EXPECT_EQ(process.exitCode(), 0);
+    EXPECT_THAT(
+        process.readAllStandardError().toStdString(),
+        testing::AllOf(HasSubstr("Jana, Mustermann"), HasSubstr("J_Mustermann_DF000000123456.DDD")));
+}
+
+TEST_F(HostProgramTest, SaysThatThereIsNoService)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("PCSCLITE_CSOCK_NAME", "/run/pcscd/nobody.comm");
+    const Outcome outcome = scardProgram({"download", "--wait", "3600"}, environment);
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(
+        outcome.err, "The card could not be downloaded:\n"
+                     "  SCard: init: ScardEstablishContext() Failed!: Service not available.\n");
+}
+
+TEST_F(HostProgramTest, ShowsTheLibrarysOwnWordsWhenAsked)
+{
+    const Outcome outcome = scardProgram({"download", "--verbose"});
+    EXPECT_THAT(outcome.err, HasSubstr("SCard init\n"));
+    EXPECT_THAT(scardProgram({"download"}).err, Not(HasSubstr("SCard init")));
+}
+
+TEST_F(HostProgramTest, RefusesWhatItDoesNotKnow)
+{
+    const struct
+    {
+        QStringList arguments;
+        const char* message;
+    } rows[] = {
+        {{}, "scard: no command given."},
+        {{"upload"}, "scard: unknown command \"upload\"."},
+        {{"download", "twice"}, "scard: unknown command \"download twice\"."},
+        {{"download", "--region", "xyz"}, "scard: unknown region \"xyz\"; ddd, c1b or tgd."},
+        {{"download", "--wait", "soon"}, "scard: \"soon\" is no number of seconds."},
+        {{"download", "--colour"}, "scard: Unknown option 'colour'."},
+        {{"download", "--wait", "-1"}, "scard: \"-1\" is no number of seconds."},
+    };
+    for (const auto& row : rows) {
+        const Outcome outcome = scardProgram(row.arguments);
+        EXPECT_EQ(outcome.exitCode, 2);
+        EXPECT_EQ(outcome.err, std::string(row.message) + "\nSee: scard --help\n");
+    }
+}
+
+TEST_F(HostProgramTest, ExplainsItself)
+{
+    const Outcome help = scardProgram({"--help"});
+    EXPECT_EQ(help.exitCode, 0);
+    EXPECT_THAT(help.out, HasSubstr("--region <ddd|c1b|tgd>"));
+    EXPECT_THAT(scardProgram({"--version"}).out, testing::MatchesRegex("scard [0-9.]+\n"));
+}
+
+} // namespace
