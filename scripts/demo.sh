@@ -1,0 +1,28 @@
+#!/bin/sh
+# Builds the library, puts a simulated driver card into a virtual reader behind a pcscd of its own, downloads it
+# with `scard download`, and shows the file and its records. The file stays under /tmp/; nothing else does.
+set -eu
+cd "$(dirname "$0")/.."
+scripts/install-packages.sh
+echo "== Building"
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+{ cmake --preset release && cmake --build --preset release --target scard_cli scard-simcard; } >"$log" 2>&1 || {
+    cat "$log" >&2
+    exit 1
+}
+scripts/with-virtual-reader.sh sh -euc '
+    card=build/release/simulator/scard-simcard
+    echo "== Putting a simulated driver card into the virtual reader"
+    $card --surname Mustermann --first-names Jana --nation 0D --days 60 &
+    cardPid=$!
+    trap "kill $cardPid 2>/dev/null || true" EXIT
+    echo "== scard download"
+    build/release/cli/scard download --wait 20 | tee /run/demo.out
+    file=$(sed -n "s/^File: \(.*\) ([0-9]* bytes)$/\1/p" /run/demo.out)
+    [ -n "$file" ] || exit 1
+    echo "== The file"
+    ls -l "$file"
+    echo "== Its records"
+    scripts/list-records.sh "$file"
+'
