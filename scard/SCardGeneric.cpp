@@ -45,6 +45,14 @@ constexpr unsigned long long largestDataset = 0xFFFF;
 /// bytes in the last answer. A card that spends four on the header of that answer is refused by the reader.
 constexpr std::size_t spareBytes = 5;
 
+/// A command whose answer is its status word alone.
+aux::Error sendForStatus(SCardGeneric& card, unsigned char* command, std::size_t length)
+{
+    std::array<unsigned char, statusAnswerCapacity> answer{};
+    unsigned long received = answer.size();
+    return card.ScDataTransfer(command, length, answer.data(), received);
+}
+
 } // namespace
 
 struct SCardGeneric::Private
@@ -310,9 +318,7 @@ aux::Error SCardGeneric::ScSelectFile(unsigned short fid, unsigned int* length, 
 
     qDebug().noquote().nospace() << "ScSelectFile: ID: " << hexFid(fid);
     auto command = detail::selectByFid(fid);
-    std::array<unsigned char, statusAnswerCapacity> answer{};
-    unsigned long received = answer.size();
-    aux::Error failure = ScDataTransfer(command.data(), command.size(), answer.data(), received);
+    aux::Error failure = sendForStatus(*this, command.data(), command.size());
     if (failure.isEmpty())
         return {};
     return withStep(std::move(failure), QStringLiteral("ScSelectFile Failed: By ID") + hexFid(fid));
@@ -332,9 +338,7 @@ aux::Error SCardGeneric::ScSelectFile(const std::string& applicationName)
         QString::fromLatin1(applicationName.data(), static_cast<int>(applicationName.size()));
     qDebug().noquote().nospace() << "ScSelectFile: Name: " << nameText;
     auto command = detail::selectByName(applicationName.data(), applicationName.size());
-    std::array<unsigned char, statusAnswerCapacity> answer{};
-    unsigned long received = answer.size();
-    aux::Error failure = ScDataTransfer(command.bytes.data(), command.length, answer.data(), received);
+    aux::Error failure = sendForStatus(*this, command.bytes.data(), command.length);
     if (failure.isEmpty())
         return {};
     return withStep(std::move(failure), QStringLiteral("ScSelectFile Failed: By Name") + nameText);
@@ -412,9 +416,7 @@ aux::Error SCardGeneric::ScPerformHashOfFile()
     if (!d->hasCard())
         return d->withoutCard("ScPerformHashOfFile");
     auto command = detail::performHashOfFile();
-    std::array<unsigned char, statusAnswerCapacity> answer{};
-    unsigned long received = answer.size();
-    aux::Error failure = ScDataTransfer(command.data(), command.size(), answer.data(), received);
+    aux::Error failure = sendForStatus(*this, command.data(), command.size());
     if (failure.isEmpty())
         return {};
     return withStep(std::move(failure), QStringLiteral("ScPerformHashOfFile Failed "));

@@ -12,7 +12,6 @@
 
 #include <array>
 #include <cstring>
-#include <string>
 #include <utility>
 #include <vector>
 
