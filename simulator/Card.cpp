@@ -51,6 +51,19 @@ Bytes statusWord(std::uint32_t word)
     return answer;
 }
 
+/// Why a file may not be read or written at an offset: the right first, as a card checks it; empty when it
+/// may.
+std::optional<std::uint16_t> refusal(Access right, const FileDescription& file, std::size_t offset)
+{
+    if (right != Access::Always) {
+        return sw::SecurityNotSatisfied;
+    }
+    if (offset > file.content.size()) {
+        return sw::WrongOffset;
+    }
+    return std::nullopt;
+}
+
 bool isSuccess(std::uint16_t word)
 {
     return word == sw::Ok || word == 0x90E4;
@@ -555,11 +568,8 @@ Bytes Card::readBinary(const Command& command)
     if (!file) {
         return statusWord(error);
     }
-    if (file->read != Access::Always) {
-        return statusWord(sw::SecurityNotSatisfied);
-    }
-    if (offset > file->content.size()) {
-        return statusWord(sw::WrongOffset);
+    if (const std::optional<std::uint16_t> refused = refusal(file->read, *file, offset)) {
+        return statusWord(*refused);
     }
     const std::size_t left = file->content.size() - offset;
     if (*command.le > left) {
@@ -589,11 +599,8 @@ Bytes Card::readBinaryOdd(const Command& command)
     if (!m_file) {
         return statusWord(sw::NoCurrentFile);
     }
-    if (m_file->read != Access::Always) {
-        return statusWord(sw::SecurityNotSatisfied);
-    }
-    if (*offset > m_file->content.size()) {
-        return statusWord(sw::WrongOffset);
+    if (const std::optional<std::uint16_t> refused = refusal(m_file->read, *m_file, *offset)) {
+        return statusWord(*refused);
     }
     const std::size_t left = m_file->content.size() - *offset;
     std::size_t length = dataThatFit(*command.le, switches.oddHeader);
@@ -621,11 +628,8 @@ Bytes Card::updateBinary(const Command& command)
     if (!file) {
         return statusWord(error);
     }
-    if (file->update != Access::Always) {
-        return statusWord(sw::SecurityNotSatisfied);
-    }
-    if (offset > file->content.size()) {
-        return statusWord(sw::WrongOffset);
+    if (const std::optional<std::uint16_t> refused = refusal(file->update, *file, offset)) {
+        return statusWord(*refused);
     }
     if (command.data.size() > file->content.size() - offset) {
         return statusWord(sw::WrongLength);
