@@ -1,6 +1,7 @@
 #include "Channel.h"
 
 #include <standin/Pcsc.h>
+#include <support/PcscPresence.h>
 
 namespace bench {
 
@@ -9,8 +10,8 @@ void putIntoReader(sim::Card& card)
     standin::Pcsc& pcsc = standin::Pcsc::instance();
     pcsc.reset();
     pcsc.setRecording(false);
-    pcsc.addReader("Simulated reader 00 00");
-    pcsc.insert("Simulated reader 00 00", card);
+    pcsc.addReader(test::virtualReaderName);
+    pcsc.insert(test::virtualReaderName, card);
 }
 
 void takeOut()

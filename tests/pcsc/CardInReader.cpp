@@ -1,4 +1,5 @@
 #include "CardInReader.h"
+#include "ExpectedDownload.h"
 
 #include <utility>
 
@@ -7,7 +8,7 @@ namespace test {
 CardInReader::CardInReader()
 {
     pcsc().reset();
-    pcsc().addReader(readerName);
+    pcsc().addReader(virtualReaderName);
     insert(driverCard());
 }
 
@@ -20,8 +21,15 @@ CardInReader::~CardInReader()
 sim::Card& CardInReader::insert(sim::CardDescription description)
 {
     m_card = std::make_unique<sim::Card>(std::move(description));
-    pcsc().insert(readerName, *m_card);
+    pcsc().insert(virtualReaderName, *m_card);
     return *m_card;
+}
+
+void CardInReader::setTypeByte(int type)
+{
+    sim::Bytes identification = *m_card->file(sim::AidG1, 0x0501);
+    identification[0] = static_cast<std::uint8_t>(type);
+    m_card->setFile(sim::AidG1, 0x0501, identification);
 }
 
 long CardInReader::connect()
@@ -31,7 +39,7 @@ long CardInReader::connect()
     DWORD protocol = 0;
     EXPECT_EQ(pcsc().establishContext(SCARD_SCOPE_SYSTEM, &context), SCARD_S_SUCCESS);
     EXPECT_EQ(
-        pcsc().connect(context, readerName, SCARD_SHARE_SHARED, SCARD_PROTOCOL_T1, &handle, &protocol),
+        pcsc().connect(context, virtualReaderName, SCARD_SHARE_SHARED, SCARD_PROTOCOL_T1, &handle, &protocol),
         SCARD_S_SUCCESS);
     return handle;
 }
@@ -42,12 +50,6 @@ std::vector<std::string> CardInReader::commands() const
     for (const sim::Exchange& exchange : m_card->log())
         sent.push_back(sim::toHex(exchange.command));
     return sent;
-}
-
-const sim::CardDescription& driverCard()
-{
-    static const sim::CardDescription description = sim::makeDriverCardG1();
-    return description;
 }
 
 } // namespace test

@@ -5,6 +5,7 @@
 #include <simulator/DriverCard.h>
 #include <standin/Pcsc.h>
 #include <support/Host.h>
+#include <support/PcscPresence.h>
 
 #include <gtest/gtest.h>
 
@@ -15,8 +16,6 @@
 #include <vector>
 
 namespace test {
-
-inline constexpr char readerName[] = "Simulated reader 00 00";
 
 /// A simulated card in the only reader of the stand-in.
 class CardInReader : public testing::Test
@@ -31,6 +30,9 @@ class CardInReader : public testing::Test
     sim::Card& card() { return *m_card; }
     static standin::Pcsc& pcsc() { return standin::Pcsc::instance(); }
 
+    /// Lets the card say that it is of another type.
+    void setTypeByte(int type);
+
     /// Connects to the card as a reader's open() does, for a test that drives a card object itself.
     long connect();
 
@@ -40,8 +42,5 @@ class CardInReader : public testing::Test
   private:
     std::unique_ptr<sim::Card> m_card;
 };
-
-/// The driver card that the tests use, generated once.
-const sim::CardDescription& driverCard();
 
 } // namespace test

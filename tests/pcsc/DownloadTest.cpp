@@ -324,9 +324,7 @@ TEST_F(DownloadTest, TypeBytesThatNoCardHasAreRefused)
 {
     for (const int type : {0, 5, 6, 7, 8, 255}) {
         SCOPED_TRACE(type);
-        sim::Bytes identification = contentOf(card(), 0x0501);
-        identification[0] = static_cast<std::uint8_t>(type);
-        card().setFile(sim::AidG1, 0x0501, identification);
+        setTypeByte(type);
         card().reset();
         const Download result = download();
         EXPECT_THAT(
@@ -356,9 +354,7 @@ TEST_F(DownloadTest, ATypeWithoutAClassIsDownloadedAsTheGenericObject)
 {
     for (const int type : {2, 4}) {
         SCOPED_TRACE(type);
-        sim::Bytes identification = contentOf(card(), 0x0501);
-        identification[0] = static_cast<std::uint8_t>(type);
-        card().setFile(sim::AidG1, 0x0501, identification);
+        setTypeByte(type);
         card().reset();
         const Download result = download();
         EXPECT_THAT(chain(result.failure), IsEmpty());

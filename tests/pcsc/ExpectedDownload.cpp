@@ -1,5 +1,7 @@
 #include "ExpectedDownload.h"
 
+#include <simulator/DriverCard.h>
+
 #include <algorithm>
 #include <cstdio>
 
@@ -82,6 +84,12 @@ class Script
 };
 
 } // namespace
+
+const sim::CardDescription& driverCard()
+{
+    static const sim::CardDescription description = sim::makeDriverCardG1();
+    return description;
+}
 
 std::vector<Step> expectedSteps(const Counts& counts)
 {

@@ -45,6 +45,9 @@ struct Step
     bool tolerated = false;
 };
 
+/// The driver card that the tests use, generated once.
+const sim::CardDescription& driverCard();
+
 /// The record counts that decide how long a download is.
 struct Counts
 {

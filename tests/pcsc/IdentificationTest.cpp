@@ -1,5 +1,6 @@
 // Type, generation and serial of an inserted card.
 #include "CardInReader.h"
+#include "ExpectedDownload.h"
 
 #include <support/DebugStream.h>
 #include <support/ErrorChain.h>
@@ -122,9 +123,7 @@ TEST_F(IdentificationTest, EachTypeIsNamed)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
-        sim::Bytes identification = *card().file(sim::AidG1, 0x0501);
-        identification[0] = row.type;
-        card().setFile(sim::AidG1, 0x0501, identification);
+        setTypeByte(row.type);
         card().reset();
         EXPECT_THAT(chain(identify()), IsEmpty());
         EXPECT_EQ(generic->getCardType(), row.type);

@@ -75,7 +75,7 @@ TEST_F(ReaderContextTest, InitReportsAFailedListingAndKeepsTheContext)
 
 TEST_F(ReaderContextTest, WithoutReaderTheListingFails)
 {
-    pcsc().removeReader(readerName);
+    pcsc().removeReader(virtualReaderName);
     EXPECT_THAT(
         chain(reader.init()),
         ElementsAre(test::pcsc("init: SCardListReaders() Failed", SCARD_E_NO_READERS_AVAILABLE)));
@@ -104,7 +104,7 @@ TEST_F(ReaderContextTest, OpenConnectsToTheFirstListedReader)
     const std::size_t calls = pcsc().calls().size();
     const standin::Call& connectCall = pcsc().calls()[calls - 2];
     EXPECT_EQ(connectCall.function, Function::Connect);
-    EXPECT_EQ(connectCall.reader, readerName);
+    EXPECT_EQ(connectCall.reader, virtualReaderName);
     EXPECT_EQ(connectCall.shareMode, DWORD{SCARD_SHARE_SHARED});
     EXPECT_EQ(connectCall.protocols, DWORD{SCARD_PROTOCOL_T0 | SCARD_PROTOCOL_T1});
     EXPECT_EQ(lastCall().function, Function::Status);
@@ -113,7 +113,8 @@ TEST_F(ReaderContextTest, OpenConnectsToTheFirstListedReader)
     EXPECT_THAT(
         DebugStream::lines(),
         ElementsAre(
-            "SCard open", QStringLiteral("Reader: %1 Length: %2").arg(readerName).arg(sizeof readerName)));
+            "SCard open",
+            QStringLiteral("Reader: %1 Length: %2").arg(virtualReaderName).arg(sizeof virtualReaderName)));
 }
 
 TEST_F(ReaderContextTest, MonitorWatchesEachReaderAndTheirArrival)
@@ -121,7 +122,8 @@ TEST_F(ReaderContextTest, MonitorWatchesEachReaderAndTheirArrival)
     pcsc().addReader("Another reader");
     reader.init();
     monitor();
-    EXPECT_THAT(lastCall().watched, ElementsAre(readerName, "Another reader", "\\\\?PnP?\\Notification"));
+    EXPECT_THAT(
+        lastCall().watched, ElementsAre(virtualReaderName, "Another reader", "\\\\?PnP?\\Notification"));
 }
 
 TEST_F(ReaderContextTest, MonitorPassesItsTimeoutUnchanged)
@@ -135,7 +137,7 @@ TEST_F(ReaderContextTest, MonitorPassesItsTimeoutUnchanged)
 
 TEST_F(ReaderContextTest, OpenWithoutCardFails)
 {
-    pcsc().remove(readerName);
+    pcsc().remove(virtualReaderName);
     reader.init();
     EXPECT_THAT(
         chain(reader.open()), ElementsAre(test::pcsc("open: SCardConnect() Failed", SCARD_E_NO_SMARTCARD)));
@@ -187,14 +189,14 @@ TEST_F(ReaderContextTest, UninitReleasesTheContext)
 
 TEST_F(ReaderContextTest, InsertionAndRemovalAreToldOnce)
 {
-    pcsc().remove(readerName);
+    pcsc().remove(virtualReaderName);
     reader.init();
     EXPECT_THAT(monitor(), ElementsAre("present(false)", "removed()"));
     EXPECT_THAT(monitor(), IsEmpty());
-    pcsc().insert(readerName, card());
+    pcsc().insert(virtualReaderName, card());
     EXPECT_THAT(monitor(), ElementsAre("present(true)"));
     EXPECT_THAT(monitor(), IsEmpty());
-    pcsc().remove(readerName);
+    pcsc().remove(virtualReaderName);
     EXPECT_THAT(monitor(), ElementsAre("present(false)", "removed()"));
     EXPECT_THAT(monitor(), IsEmpty());
     EXPECT_TRUE(DebugStream::contains("SCard init"));
@@ -203,10 +205,10 @@ TEST_F(ReaderContextTest, InsertionAndRemovalAreToldOnce)
 
 TEST_F(ReaderContextTest, AnInsertionEndsTheWait)
 {
-    pcsc().remove(readerName);
+    pcsc().remove(virtualReaderName);
     reader.init();
     monitor();
-    pcsc().whileWaiting([this] { pcsc().insert(readerName, card()); });
+    pcsc().whileWaiting([this] { pcsc().insert(virtualReaderName, card()); });
     EXPECT_THAT(monitor(60000), ElementsAre("present(true)"));
 }
 
@@ -230,7 +232,7 @@ TEST_F(ReaderContextTest, AReaderThatIsUnpluggedDoesNotStopTheHost)
 {
     reader.init();
     monitor();
-    pcsc().removeReader(readerName);
+    pcsc().removeReader(virtualReaderName);
     // PC/SC says so at once and leaves the event states as they were.
     EXPECT_THAT(chain(reader.monitor(60000)), IsEmpty());
 }

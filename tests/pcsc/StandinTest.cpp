@@ -77,7 +77,7 @@ TEST_F(StandinTest, EachReaderIsListedAndTheListHasToBeFreed)
     char* names = nullptr;
     DWORD length = SCARD_AUTOALLOCATE;
     ASSERT_EQ(SCardListReaders(context, nullptr, reinterpret_cast<LPSTR>(&names), &length), SCARD_S_SUCCESS);
-    EXPECT_EQ(std::string(names, length), std::string(readerName) + '\0' + "B" + '\0' + '\0');
+    EXPECT_EQ(std::string(names, length), std::string(virtualReaderName) + '\0' + "B" + '\0' + '\0');
     EXPECT_EQ(pcsc().listsNotFreed(), 1u);
     EXPECT_EQ(SCardFreeMemory(context, names), SCARD_S_SUCCESS);
     EXPECT_EQ(SCardReleaseContext(context), SCARD_S_SUCCESS);
@@ -87,7 +87,7 @@ TEST_F(StandinTest, EachReaderIsListedAndTheListHasToBeFreed)
 TEST_F(StandinTest, AStaleContextTouchesNoState)
 {
     SCARD_READERSTATE state{};
-    state.szReader = readerName;
+    state.szReader = virtualReaderName;
     state.dwEventState = 0x1234;
     EXPECT_EQ(SCardGetStatusChange(4711, 0, &state, 1), SCARD_E_INVALID_HANDLE);
     EXPECT_EQ(state.dwEventState, 0x1234u);

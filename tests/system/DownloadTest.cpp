@@ -19,12 +19,6 @@ using testing::ElementsAreArray;
 using testing::Eq;
 using testing::IsEmpty;
 
-const sim::CardDescription& driverCard()
-{
-    static const sim::CardDescription description = sim::makeDriverCardG1();
-    return description;
-}
-
 using SystemDownloadTest = CardBehindPcscd;
 
 sim::Bytes bytes(const QByteArray& image)
