@@ -60,27 +60,15 @@ EPmAW2AqF3CkFhLDzuWKpURMjnNSjydEvf27M6gvB+IcOg==
 /// Additional information in the key identifiers: marks test keys.
 constexpr std::uint32_t TestKeyInfo = 0x544B;
 constexpr std::uint32_t KeyIssuedByAuthority = 0x01;
-constexpr std::uint32_t RootNation = 0xFD;
+constexpr std::uint8_t RootNation = 0xFD;
 
 constexpr std::size_t KeyIdLength = 8;
 /// Bytes of the certificate's content that travel inside the signature block.
 constexpr std::size_t RecoveredLength = 106;
 
-Bytes keyId(std::uint32_t nation, std::string alpha, std::uint32_t serial)
-{
-    alpha.resize(3, ' ');
-    Bytes id;
-    appendU8(id, nation);
-    id.insert(id.end(), alpha.begin(), alpha.end());
-    appendU8(id, serial);
-    appendU16(id, TestKeyInfo);
-    appendU8(id, KeyIssuedByAuthority);
-    return id;
-}
-
 Bytes rootId()
 {
-    return keyId(RootNation, "EC", 0);
+    return testKeyId(RootNation, "EC", 0);
 }
 
 void requireLength(const Bytes& field, std::size_t length)
@@ -148,9 +136,21 @@ Bytes rootKeyG1()
     return blob;
 }
 
+Bytes testKeyId(std::uint8_t nation, std::string alpha, std::uint32_t serial)
+{
+    alpha.resize(3, ' ');
+    Bytes id;
+    appendU8(id, nation);
+    id.insert(id.end(), alpha.begin(), alpha.end());
+    appendU8(id, serial);
+    appendU16(id, TestKeyInfo);
+    appendU8(id, KeyIssuedByAuthority);
+    return id;
+}
+
 Bytes memberStateIdG1(std::uint8_t nation)
 {
-    return keyId(nation, nationAlpha(nation), 1);
+    return testKeyId(nation, nationAlpha(nation), 1);
 }
 
 Bytes caCertificateG1(std::uint8_t nation)

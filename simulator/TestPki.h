@@ -42,6 +42,8 @@ const RsaKey& cardPrivateKeyG1();
 
 /// What a verifier needs: 144 bytes, key identifier 8, modulus 128, exponent 8.
 Bytes rootKeyG1();
+/// Key identifier of an authority, marked as that of a test key in either generation.
+Bytes testKeyId(std::uint8_t nation, std::string alpha, std::uint32_t serial);
 /// Key identifier of the simulated authority of a nation (NationNumeric).
 Bytes memberStateIdG1(std::uint8_t nation);
 
