@@ -3,6 +3,7 @@
 #include "Nations.h"
 #include "Random.h"
 #include "TestPki.h"
+#include "TestPkiG2.h"
 #include "Text.h"
 #include "TimeReal.h"
 
@@ -22,16 +23,23 @@ struct FileRow
     Access read;
     Access update;
     bool hashable;
+    std::uint8_t sfid = 0;
 };
 
+/// An EF without content is not on the card.
 template <typename Contents, std::size_t Rows>
 std::vector<FileDescription> filesFrom(const FileRow<Contents> (&rows)[Rows], const Contents& contents)
 {
     std::vector<FileDescription> files;
     for (const FileRow<Contents>& row : rows) {
+        const Bytes& content = contents.*row.content;
+        if (content.empty()) {
+            continue;
+        }
         FileDescription file;
         file.fid = row.fid;
-        file.content = contents.*row.content;
+        file.sfid = row.sfid;
+        file.content = content;
         file.read = row.read;
         file.update = row.update;
         file.hashable = row.hashable;
@@ -78,6 +86,39 @@ constexpr FileRow<DriverContents> DriverFiles[] = {
     {0x0507, &DriverContents::currentUsage, Always, Secure, true},
     {0x0508, &DriverContents::controlActivityData, Always, Secure, true},
     {0x0522, &DriverContents::specificConditions, Always, Secure, true},
+};
+
+// Annex 1C, Appendix 2: file structure of the driver card.
+constexpr FileRow<DriverContentsG2> DriverMasterFilesG2[] = {
+    {0x2F00, &DriverContentsG2::dir, Always, Never, false, 30},
+};
+
+constexpr FileRow<DriverContentsG2> DriverFilesG2[] = {
+    {0x0501, &DriverContentsG2::applicationIdentification, Always, Never, true, 1},
+    {0xC100, &DriverContentsG2::cardMaCertificate, Always, Never, true, 2},
+    {0xC101, &DriverContentsG2::cardSignCertificate, Always, Never, true, 3},
+    {0xC108, &DriverContentsG2::caCertificate, Always, Never, true, 4},
+    {0xC109, &DriverContentsG2::linkCertificate, Always, Never, true, 5},
+    {0x0520, &DriverContentsG2::identification, Always, Never, true, 6},
+    {0x050E, &DriverContentsG2::cardDownload, Always, Always, true, 7},
+    {0x0521, &DriverContentsG2::drivingLicenceInfo, Always, Never, true, 10},
+    {0x0502, &DriverContentsG2::eventsData, Always, Secure, true, 12},
+    {0x0503, &DriverContentsG2::faultsData, Always, Secure, true, 13},
+    {0x0504, &DriverContentsG2::driverActivityData, Always, Secure, true, 14},
+    {0x0505, &DriverContentsG2::vehiclesUsed, Always, Secure, true, 15},
+    {0x0506, &DriverContentsG2::places, Always, Secure, true, 16},
+    {0x0507, &DriverContentsG2::currentUsage, Always, Secure, true, 17},
+    {0x0508, &DriverContentsG2::controlActivityData, Always, Secure, true, 18},
+    {0x0522, &DriverContentsG2::specificConditions, Always, Secure, true, 19},
+    {0x0523, &DriverContentsG2::vehicleUnitsUsed, Always, Secure, true, 20},
+    {0x0524, &DriverContentsG2::gnssPlaces, Always, Secure, true, 21},
+    {0x0525, &DriverContentsG2::applicationIdentificationV2, Always, Never, true, 22},
+    {0x0526, &DriverContentsG2::placesAuthentication, Always, Secure, true, 23},
+    {0x0527, &DriverContentsG2::gnssPlacesAuthentication, Always, Secure, true, 24},
+    {0x0528, &DriverContentsG2::borderCrossings, Always, Secure, true, 25},
+    {0x0529, &DriverContentsG2::loadUnloadOperations, Always, Secure, true, 26},
+    {0x0530, &DriverContentsG2::loadTypeEntries, Always, Secure, true, 27},
+    {0x0540, &DriverContentsG2::vuConfiguration, Secure, Secure, false, 30},
 };
 
 struct ControlContents
@@ -201,6 +242,18 @@ ControlContents makeControlContents(const ControlParameters& parameters)
 CardDescription makeDriverCardG1(const DriverParameters& parameters)
 {
     return cardFrom(DriverMasterFiles, DriverFiles, makeDriverContents(parameters));
+}
+
+CardDescription makeDriverCardG2(const DriverParametersG2& parameters)
+{
+    const DriverContentsG2 contents = makeDriverContentsG2(parameters);
+    CardDescription card = cardFrom(DriverMasterFiles, DriverFiles, contents.first);
+    for (FileDescription& file : filesFrom(DriverMasterFilesG2, contents)) {
+        card.masterFiles.push_back(std::move(file));
+    }
+    card.applications.push_back({AidG2, filesFrom(DriverFilesG2, contents), cardSignerG2(parameters.curve)});
+    card.switches.oddReadRefused.reset();
+    return card;
 }
 
 CardDescription makeControlCardG1(const ControlParameters& parameters)

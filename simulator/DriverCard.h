@@ -3,6 +3,7 @@
 
 #include "CardDescription.h"
 #include "DriverContents.h"
+#include "DriverContentsG2.h"
 
 namespace sim {
 
@@ -12,6 +13,10 @@ inline const Bytes DefaultAtr = {0x3B, 0x95, 0x95, 0x80, 0x31, 0xFE, 0x45,
 
 /// A first-generation driver card. Throws as makeDriverContents() does.
 CardDescription makeDriverCardG1(const DriverParameters& parameters = {});
+
+/// A second-generation driver card: the first-generation application, then the second. The odd READ BINARY
+/// works. Throws as makeDriverContentsG2() does.
+CardDescription makeDriverCardG2(const DriverParametersG2& parameters = {});
 
 struct ControlParameters
 {

@@ -189,9 +189,12 @@ class Story
         return (m_vehicle + 1 + m_random.below(count - 1)) % count;
     }
 
-    void move(int minutes)
+    /// The vehicle has moved for the last `minutes`.
+    void move(int minutes, bool atWheel)
     {
         const auto km = static_cast<std::uint32_t>(minutes * m_random.between(48, 82) / 60);
+        const std::uint32_t begin = now() - static_cast<std::uint32_t>(minutes) * SecondsPerMinute;
+        m_life.stretches.push_back({begin, now(), vehicle().odometer, vehicle().odometer + km, atWheel});
         vehicle().odometer += km;
         day().distance += km;
     }
@@ -202,7 +205,7 @@ class Story
         while (minutes > 0) {
             const int part = std::min(minutes, m_random.between(6, 40));
             pass(inSlot(activity::Driving), part);
-            move(part);
+            move(part, true);
             minutes -= part;
             if (minutes > 3) {
                 const int halt = m_random.between(1, 3);
@@ -210,6 +213,13 @@ class Story
                 minutes -= halt;
             }
         }
+    }
+
+    void workBesideVehicle(int minutes)
+    {
+        const std::uint32_t begin = now();
+        pass(inSlot(activity::Work), minutes);
+        m_life.stops.push_back({begin, now(), vehicle().odometer});
     }
 
     void notePlace(PlaceEntry entry, std::uint32_t time)
@@ -231,9 +241,12 @@ class Story
         const bool ferry = m_random.chance(3);
         if (ferry) {
             noteCondition(Condition::FerryOrTrain);
+            pass(inSlot(activity::Rest), m_random.between(75, LongestPause));
+            noteCondition(Condition::FerryOrTrainEnd);
+            return;
         }
-        const int minutes = ferry ? m_random.between(75, LongestPause) : m_random.between(Break, Break + 15);
-        if (!ferry && m_random.chance(8)) {
+        const int minutes = m_random.between(Break, Break + 15);
+        if (m_random.chance(8)) {
             changeVehicle(minutes);
         } else {
             pass(inSlot(activity::Rest), minutes);
@@ -299,8 +312,13 @@ class Story
                 drivenSinceBreak = 0;
                 breakEnd = m_minute;
             } else {
-                const std::uint16_t what = m_random.chance(75) ? activity::Work : activity::Available;
-                pass(inSlot(what), m_random.between(8, LongestStop));
+                const bool works = m_random.chance(75);
+                const int minutes = m_random.between(8, LongestStop);
+                if (works) {
+                    workBesideVehicle(minutes);
+                } else {
+                    pass(inSlot(activity::Available), minutes);
+                }
             }
         }
     }
@@ -322,7 +340,7 @@ class Story
                 drive(turn);
             } else {
                 pass(inSlot(activity::Available), turn);
-                move(turn);
+                move(turn, false);
             }
         }
     }
@@ -344,14 +362,14 @@ class Story
             m_slotAndCrew = activity::CrewOrKnown;
         }
         m_insertedOvernight = false;
-        pass(inSlot(activity::Work), m_random.between(8, 25));
+        workBesideVehicle(m_random.between(8, 25));
         if (crew) {
             driveInTurns();
         } else {
             driveAlone(shortDay ? m_random.between(90, 220) : m_random.between(260, LongestDailyDriving));
         }
         m_country = staysOvernight || m_random.chance(10) ? m_random.pick(m_neighbours) : m_nation;
-        pass(inSlot(activity::Work), m_random.between(8, LongestClosing));
+        workBesideVehicle(m_random.between(8, LongestClosing));
 
         if (staysOvernight && !crew) {
             notePlace(PlaceEntry::End, now());

@@ -69,13 +69,35 @@ enum class Condition : std::uint8_t
 {
     OutOfScopeBegin = 1,
     OutOfScopeEnd = 2,
-    FerryOrTrain = 3
+    /// In the second generation only the beginning.
+    FerryOrTrain = 3,
+    /// Second generation only.
+    FerryOrTrainEnd = 4
 };
 
 struct SpecificCondition
 {
     std::uint32_t time = 0;
     Condition condition = Condition::FerryOrTrain;
+};
+
+/// The vehicle moves with the card inserted.
+struct Stretch
+{
+    std::uint32_t begin = 0;
+    std::uint32_t end = 0;
+    std::uint32_t odometerBegin = 0;
+    std::uint32_t odometerEnd = 0;
+    /// The card's driver drives; false: the other one of a crew does.
+    bool atWheel = true;
+};
+
+/// Work beside the standing vehicle, at a customer's or the depot.
+struct Stop
+{
+    std::uint32_t begin = 0;
+    std::uint32_t end = 0;
+    std::uint32_t odometer = 0;
 };
 
 struct Day
@@ -97,6 +119,8 @@ struct DriverLife
     std::vector<VehicleUse> uses;
     std::vector<Place> places;
     std::vector<SpecificCondition> conditions;
+    std::vector<Stretch> stretches;
+    std::vector<Stop> stops;
     std::vector<Vehicle> fleet;
 };
 

@@ -13,6 +13,30 @@ constexpr const char* Alphas[FirstGroupEnd + 1] = {
     "L",  "LT",  "LV", "M",   "MC",  "MD", "MK", "N",   "NL",  "P",  "PL", "RO", "RSM", "RUS", "S",
     "SK", "SLO", "TM", "TR",  "UA",  "V",  "YU", "MNE", "SRB", "UZ", "TJ", "KG", "IL"};
 
+/// Latitude and longitude of a town as degrees and minutes, DDMM and DDDMM.
+struct Town
+{
+    int latitude;
+    int longitude;
+};
+
+/// From 01 on, in the order of NationNumeric.
+constexpr Town Towns[FirstGroupEnd] = {
+    {4818, 1417}, {4120, 1949}, {4230, 131},  {4011, 4431}, {4024, 4952}, {5051, 421},  {4242, 2319},
+    {4351, 1825}, {5354, 2734}, {4722, 832},  {3510, 3322}, {5005, 1425}, {5007, 841},  {5524, 1023},
+    {4139, -53},  {5926, 2445}, {4851, 221},  {6010, 2456}, {4708, 931},  {6201, -646}, {5130, -8},
+    {4143, 4447}, {4038, 2256}, {4730, 1903}, {4549, 1559}, {4528, 911},  {5321, -616}, {6409, -2156},
+    {5110, 7126}, {4937, 608},  {5454, 2354}, {5657, 2406}, {3554, 1431}, {4344, 725},  {4701, 2852},
+    {4200, 2126}, {5955, 1045}, {5205, 507},  {3843, -908}, {5224, 1655}, {4426, 2606}, {4356, 1227},
+    {5545, 3737}, {5920, 1804}, {4809, 1707}, {4603, 1430}, {3757, 5823}, {4101, 2858}, {5027, 3031},
+    {4154, 1227}, {4448, 2028}, {4226, 1916}, {4448, 2028}, {4118, 6914}, {3832, 6847}, {4252, 7435},
+    {3147, 3513}};
+
+constexpr int tenthsOfMinute(int degreesAndMinutes)
+{
+    return degreesAndMinutes / 100 * 600 + degreesAndMinutes % 100 * 10;
+}
+
 const std::vector<NationProfile>& profiles()
 {
     static const std::vector<NationProfile> all = {
@@ -149,6 +173,15 @@ NationProfile nationProfile(std::uint8_t numeric)
         {"Peter", "Anna", "Daniel", "Viktor"},
         "@@ ### @@",
         {numeric}};
+}
+
+std::optional<Position> nationTown(std::uint8_t numeric)
+{
+    if (numeric == 0 || numeric > FirstGroupEnd) {
+        return std::nullopt;
+    }
+    const Town& town = Towns[numeric - 1];
+    return Position{tenthsOfMinute(town.latitude), tenthsOfMinute(town.longitude)};
 }
 
 } // namespace sim

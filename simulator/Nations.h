@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,5 +28,15 @@ struct NationProfile
 
 /// A profile in plain ASCII where there is none for the nation.
 NationProfile nationProfile(std::uint8_t numeric);
+
+/// North and east are positive; in tenths of a minute.
+struct Position
+{
+    int latitude = 0;
+    int longitude = 0;
+};
+
+/// A town on the nation's trunk roads; nullopt for codes that are no single nation.
+std::optional<Position> nationTown(std::uint8_t numeric);
 
 } // namespace sim

@@ -28,12 +28,12 @@ Reader
   --bit-rate N           line speed in bits per second (no delay)
 
 Card
-  --kind KIND            driver-g1 or control-g1 (driver-g1)
+  --kind KIND            driver-g1, driver-g2, driver-g2v2 or control-g1 (driver-g1)
   --seed N               another driver or control body (1)
   --nation HEX           issuing nation, NationNumeric (0D)
   --code-page N          part of ISO 8859 of all texts (1)
 
-Driver card
+Driver card (the counts hold for each of its applications)
   --days N               days in the driver's life (60)
   --last-day YYYY-MM-DD  the newest of them (2024-03-05)
   --events N             events per type (12)
@@ -43,6 +43,11 @@ Driver card
   --places N             place records (112)
   --surname S            names in UTF-8 (chosen to fit the nation)
   --first-names S
+
+Second generation
+  --curve NAME           nist-p256, brainpool-p256r1, nist-p384, brainpool-p384r1,
+                         brainpool-p512r1 or nist-p521 (nist-p256)
+  --certificates FORM    exact, padded, empty or missing (exact)
 
 Faults
   --pull-at N            the card is pulled with command N, counted from 0
@@ -72,6 +77,8 @@ enum Option : int
     Places,
     Surname,
     FirstNames,
+    CurveName,
+    Certificates,
     PullAt,
     FailAt,
     Help,
@@ -95,6 +102,8 @@ constexpr option Options[] = {
     {"places", required_argument, nullptr, Places},
     {"surname", required_argument, nullptr, Surname},
     {"first-names", required_argument, nullptr, FirstNames},
+    {"curve", required_argument, nullptr, CurveName},
+    {"certificates", required_argument, nullptr, Certificates},
     {"pull-at", required_argument, nullptr, PullAt},
     {"fail-at", required_argument, nullptr, FailAt},
     {"help", no_argument, nullptr, Help},
@@ -129,6 +138,22 @@ std::uint32_t day(const std::string& text)
     return sim::timeOf(date);
 }
 
+sim::CertificateFiles certificateFiles(const std::string& text)
+{
+    static constexpr std::pair<const char*, sim::CertificateFiles> Forms[] = {
+        {"exact", sim::CertificateFiles::Exact},
+        {"padded", sim::CertificateFiles::Padded},
+        {"empty", sim::CertificateFiles::Empty},
+        {"missing", sim::CertificateFiles::Missing},
+    };
+    for (const auto& [name, form] : Forms) {
+        if (text == name) {
+            return form;
+        }
+    }
+    throw std::invalid_argument("unknown form of certificates: '" + text + "'");
+}
+
 struct Settings
 {
     std::string host = "127.0.0.1";
@@ -136,14 +161,16 @@ struct Settings
     std::chrono::seconds connectTimeout{10};
     std::optional<double> bitRate;
     std::string kind = "driver-g1";
-    sim::DriverParameters driver;
+    /// A first-generation card takes the first part.
+    sim::DriverParametersG2 driver;
     std::vector<std::pair<std::size_t, sim::Fault>> faults;
     bool help = false;
 };
 
 void apply(int option, const std::string& value, Settings& settings)
 {
-    sim::DriverParameters& driver = settings.driver;
+    sim::DriverParametersG2& second = settings.driver;
+    sim::DriverParameters& driver = second.first;
     switch (option) {
     case Host:
         settings.host = value;
@@ -177,24 +204,36 @@ void apply(int option, const std::string& value, Settings& settings)
         break;
     case Events:
         driver.eventsPerType = number<std::uint8_t>(value);
+        second.eventsPerType = driver.eventsPerType;
         break;
     case Faults:
         driver.faultsPerType = number<std::uint8_t>(value);
+        second.faultsPerType = driver.faultsPerType;
         break;
     case Activity:
         driver.activityLength = number<std::uint16_t>(value);
+        second.activityLength = driver.activityLength;
         break;
     case Vehicles:
         driver.vehicles = number<std::uint16_t>(value);
+        second.vehicles = driver.vehicles;
         break;
     case Places:
         driver.places = number<std::uint8_t>(value);
+        second.places = driver.places;
         break;
     case Surname:
         driver.surname = value;
         break;
     case FirstNames:
         driver.firstNames = value;
+        break;
+    case CurveName:
+        second.curve = sim::curveOf(value);
+        break;
+    case Certificates:
+        second.certificateFiles = certificateFiles(value);
+        second.linkCertificate = second.certificateFiles;
         break;
     case PullAt:
         settings.faults.emplace_back(number<std::uint32_t>(value), sim::Fault::pulled());
@@ -236,13 +275,18 @@ Settings parse(int argc, char** argv)
 sim::CardDescription describe(const Settings& settings)
 {
     if (settings.kind == "driver-g1") {
-        return sim::makeDriverCardG1(settings.driver);
+        return sim::makeDriverCardG1(settings.driver.first);
+    }
+    if (settings.kind == "driver-g2" || settings.kind == "driver-g2v2") {
+        sim::DriverParametersG2 driver = settings.driver;
+        driver.version2 = settings.kind == "driver-g2v2";
+        return sim::makeDriverCardG2(driver);
     }
     if (settings.kind == "control-g1") {
         sim::ControlParameters control;
-        control.seed = settings.driver.seed;
-        control.nation = settings.driver.nation;
-        control.codePage = settings.driver.codePage;
+        control.seed = settings.driver.first.seed;
+        control.nation = settings.driver.first.nation;
+        control.codePage = settings.driver.first.codePage;
         return sim::makeControlCardG1(control);
     }
     throw std::invalid_argument("unknown kind of card: '" + settings.kind + "'");

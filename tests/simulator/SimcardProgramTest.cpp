@@ -157,6 +157,103 @@ TEST(SimcardProgram, servesTheCardThatItsOptionsDescribe)
     EXPECT_EQ(ask(reader, "00 B0 15 AC 01"), "67 00") << "the end of the buffer";
 }
 
+TEST(SimcardProgram, servesADriverCardOfTheSecondGeneration)
+{
+    sim::DriverParametersG2 parameters;
+    parameters.version2 = true;
+    parameters.first.seed = 5;
+    parameters.first.eventsPerType = 6;
+    parameters.eventsPerType = 6;
+    parameters.first.faultsPerType = 12;
+    parameters.faultsPerType = 12;
+    parameters.first.activityLength = 5544;
+    parameters.activityLength = 5544;
+    parameters.first.vehicles = 84;
+    parameters.vehicles = 84;
+    parameters.first.places = 85;
+    parameters.places = 85;
+    parameters.curve = sim::Curve::BrainpoolP384r1;
+    parameters.certificateFiles = sim::CertificateFiles::Padded;
+    parameters.linkCertificate = sim::CertificateFiles::Padded;
+    const sim::Card expected(sim::makeDriverCardG2(parameters));
+
+    FakeReader reader;
+    Program program({"--port",         std::to_string(reader.port()),
+                     "--kind",         "driver-g2v2",
+                     "--seed",         "5",
+                     "--events",       "6",
+                     "--faults",       "12",
+                     "--activity",     "5544",
+                     "--vehicles",     "84",
+                     "--places",       "85",
+                     "--curve",        "brainpool-p384r1",
+                     "--certificates", "padded"});
+    ASSERT_TRUE(reader.acceptCard());
+    ask(reader, "00 A4 04 0C 06 FF 54 41 43 48 4F");
+    ask(reader, "00 A4 02 0C 02 05 01");
+    EXPECT_EQ(ask(reader, "00 B0 00 00 0A"), "01 00 00 06 0C 15 A8 00 54 55 90 00");
+    ask(reader, "00 A4 04 0C 06 FF 53 4D 52 44 54");
+    EXPECT_EQ(ask(reader, "00 B0 81 00 11"), "01 01 01 06 0C 15 A8 00 54 00 55 01 50 00 70 00 C8 90 00");
+    for (const std::uint16_t fid : {std::uint16_t{0xC101}, std::uint16_t{0xC109}}) {
+        Bytes bytes;
+        sim::appendU16(bytes, fid);
+        ask(reader, ("00 A4 02 0C 02 " + toHex(bytes)).c_str());
+        const Bytes& certificate = *expected.file(sim::AidG2, fid);
+        EXPECT_EQ(ask(reader, "00 B0 00 00 00"), toHex(sim::slice(certificate, 0, 256)) + " 90 00");
+        EXPECT_EQ(ask(reader, "00 B0 01 54 01"), "00 90 00") << "padded up to 341 bytes";
+        EXPECT_EQ(ask(reader, "00 B0 01 55 01"), "67 00");
+    }
+}
+
+TEST(SimcardProgram, servesTheFirstVersionOfTheSecondGeneration)
+{
+    FakeReader reader;
+    Program program(
+        {"--port", std::to_string(reader.port()), "--kind", "driver-g2", "--certificates", "missing"});
+    ASSERT_TRUE(reader.acceptCard());
+    EXPECT_EQ(
+        program.firstLine(),
+        "Card of kind driver-g2 is in the reader at 127.0.0.1:" + std::to_string(reader.port()));
+    ask(reader, "00 A4 04 0C 06 FF 53 4D 52 44 54");
+    EXPECT_EQ(ask(reader, "00 B0 81 00 03"), "01 01 00 90 00");
+    EXPECT_EQ(ask(reader, "00 A4 02 0C 02 05 25"), "6A 82");
+    EXPECT_EQ(ask(reader, "00 A4 02 0C 02 C1 01"), "6A 82");
+    EXPECT_EQ(ask(reader, "00 A4 02 0C 02 C1 09"), "6A 82");
+}
+
+TEST(SimcardProgram, knowsEveryCurveAndFormOfCertificates)
+{
+    const std::pair<const char*, std::size_t> curves[] = {
+        {"nist-p256", 204},        {"brainpool-p256r1", 205}, {"nist-p384", 266},
+        {"brainpool-p384r1", 270}, {"brainpool-p512r1", 337}, {"nist-p521", 341},
+    };
+    const auto sizeOfCertificate = [](const char* curve, const char* form) -> std::size_t {
+        FakeReader reader;
+        const std::string port = std::to_string(reader.port());
+        Program program(
+            {"--port", port, "--kind", "driver-g2", "--days", "2", "--curve", curve, "--certificates", form});
+        EXPECT_TRUE(reader.acceptCard());
+        ask(reader, "00 A4 04 0C 06 FF 53 4D 52 44 54");
+        ask(reader, "00 A4 02 0C 02 C1 08");
+        std::size_t size = 0;
+        while (size < 400) {
+            Bytes offset;
+            sim::appendU16(offset, static_cast<std::uint32_t>(size));
+            if (ask(reader, ("00 B0 " + toHex(offset) + " 01").c_str()).size() != 8) {
+                break;
+            }
+            ++size;
+        }
+        return size;
+    };
+    for (const auto& [curve, size] : curves) {
+        EXPECT_EQ(sizeOfCertificate(curve, "exact"), size) << curve;
+    }
+    EXPECT_EQ(sizeOfCertificate("nist-p384", "padded"), 341u);
+    EXPECT_EQ(sizeOfCertificate("nist-p384", "empty"), 204u);
+    EXPECT_EQ(sizeOfCertificate("nist-p384", "missing"), 0u);
+}
+
 TEST(SimcardProgram, servesAControlCard)
 {
     FakeReader reader;
@@ -236,6 +333,9 @@ INSTANTIATE_TEST_SUITE_P(
         ArgumentRow{"aDateWithoutHyphens", {"--last-day", "20240305"}},
         ArgumentRow{"aDateWithoutDay", {"--last-day", "2024-03"}},
         ArgumentRow{"anUnknownKind", {"--kind", "driver-g9"}},
+        ArgumentRow{"anUnknownCurve", {"--curve", "P-256"}},
+        ArgumentRow{"anUnknownFormOfCertificates", {"--certificates", "none"}},
+        ArgumentRow{"aSecondGenerationWithoutPlaces", {"--kind", "driver-g2", "--places", "0"}},
         ArgumentRow{"aFaultWithoutStatusWord", {"--fail-at", "5"}},
         ArgumentRow{"aFaultWithAnEmptyStatusWord", {"--fail-at", "5:"}},
         ArgumentRow{"aFaultWithALongStatusWord", {"--fail-at", "5:10000"}},

@@ -1,0 +1,86 @@
+// Contents of a second-generation driver card (Annex 1C, Appendices 1 and 2), version 1 or 2: both its
+// applications tell the same driver's months. The same parameters give the same bytes on every machine.
+#pragma once
+
+#include "Curve.h"
+#include "DriverContents.h"
+
+namespace sim {
+
+/// How the EFs of the certificates are filled.
+enum class CertificateFiles
+{
+    Exact,  ///< the certificate
+    Padded, ///< the certificate, then 00 up to the size of the largest one
+    Empty,  ///< 00, as many as the smallest certificate has bytes
+    Missing ///< there is no such EF
+};
+
+struct DriverParametersG2
+{
+    /// The driver, his days and the record counts of the first-generation application.
+    DriverParameters first;
+    /// True: structure version 01 01 with the EFs that came with it; false: 01 00.
+    bool version2 = false;
+
+    // The record counts of EF_Application_Identification and EF_Application_Identification_V2.
+    std::uint8_t eventsPerType = 12;
+    std::uint8_t faultsPerType = 24;
+    std::uint16_t activityLength = 13776;
+    std::uint16_t vehicles = 200;
+    std::uint16_t places = 112;
+    std::uint16_t gnssPlaces = 336;
+    std::uint16_t specificConditions = 112;
+    std::uint16_t vehicleUnits = 200;
+    std::uint16_t borderCrossings = 1120;
+    std::uint16_t loadUnloadOperations = 1624;
+    std::uint16_t loadTypeEntries = 336;
+
+    /// Of all keys and certificates of the application.
+    Curve curve = Curve::NistP256;
+    /// EF_CardMA_Certificate, EF_CardSignCertificate and EF_CA_Certificate.
+    CertificateFiles certificateFiles = CertificateFiles::Exact;
+    /// EF_Link_Certificate.
+    CertificateFiles linkCertificate = CertificateFiles::Exact;
+};
+
+/// One member for each EF, exactly as stored; one that the card does not have is empty.
+struct DriverContentsG2
+{
+    /// EFs of the MF and of the first-generation application.
+    DriverContents first;
+    Bytes dir;
+
+    Bytes applicationIdentification;
+    Bytes cardMaCertificate;
+    Bytes cardSignCertificate;
+    Bytes caCertificate;
+    Bytes linkCertificate;
+    Bytes identification;
+    Bytes cardDownload;
+    Bytes drivingLicenceInfo;
+    Bytes eventsData;
+    Bytes faultsData;
+    Bytes driverActivityData;
+    Bytes vehiclesUsed;
+    Bytes places;
+    Bytes currentUsage;
+    Bytes controlActivityData;
+    Bytes specificConditions;
+    Bytes vehicleUnitsUsed;
+    Bytes gnssPlaces;
+
+    // Version 2.
+    Bytes applicationIdentificationV2;
+    Bytes placesAuthentication;
+    Bytes gnssPlacesAuthentication;
+    Bytes borderCrossings;
+    Bytes loadUnloadOperations;
+    Bytes loadTypeEntries;
+    Bytes vuConfiguration;
+};
+
+/// Throws as makeDriverContents() does.
+DriverContentsG2 makeDriverContentsG2(const DriverParametersG2& parameters);
+
+} // namespace sim
