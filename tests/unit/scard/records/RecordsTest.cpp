@@ -190,4 +190,124 @@ TEST(Records, SpecificConditionRecord)
     EXPECT_FIELD(SpecificConditionRecord, specificConditionType, 4, 1);
 }
 
+TEST(Records, DriverCardApplicationIdentificationG2)
+{
+    expectPlainBytes<DriverCardApplicationIdentification_g2>(17);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g2, typeOfTachographCardId, 0, 1);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g2, cardStructureVersion, 1, 2);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g2, noOfEventsPerType, 3, 1);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g2, noOfFaultsPerType, 4, 1);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g2, activityStructureLength, 5, 2);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g2, noOfCardVehicleRecords, 7, 2);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g2, noOfCardPlaceRecords, 9, 2);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g2, noOfGNSSADRecords, 11, 2);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g2, noOfSpecificConditionRecords, 13, 2);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g2, noOfCardVehicleUnitRecords, 15, 2);
+}
+
+TEST(Records, DriverCardApplicationIdentificationOfVersion22)
+{
+    expectPlainBytes<DriverCardApplicationIdentification_g2_2>(10);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g2_2, lengthOfFollowingData, 0, 2);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g2_2, noOfBorderCrossingRecords, 2, 2);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g2_2, noOfLoadUnloadRecords, 4, 2);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g2_2, noOfLoadTypeEntryRecords, 6, 2);
+    EXPECT_FIELD(DriverCardApplicationIdentification_g2_2, vuConfigurationLengthRange, 8, 2);
+}
+
+TEST(Records, CardVehicleRecordG2)
+{
+    expectPlainBytes<CardVehicleRecord_g2>(48);
+    EXPECT_FIELD(CardVehicleRecord_g2, vehicleOdometerBegin, 0, 3);
+    EXPECT_FIELD(CardVehicleRecord_g2, vehicleOdometerEnd, 3, 3);
+    EXPECT_FIELD(CardVehicleRecord_g2, vehicleFirstUse, 6, 4);
+    EXPECT_FIELD(CardVehicleRecord_g2, vehicleLastUse, 10, 4);
+    EXPECT_FIELD(CardVehicleRecord_g2, vehicleRegistration, 14, 15);
+    EXPECT_FIELD(CardVehicleRecord_g2, vuDataBlockCounter, 29, 2);
+    EXPECT_FIELD(CardVehicleRecord_g2, vehicleIdentificationNumber, 31, 17);
+}
+
+TEST(Records, GnssPlaceRecord)
+{
+    expectPlainBytes<GNSSPlaceRecord>(11);
+    EXPECT_FIELD(GNSSPlaceRecord, timeStamp, 0, 4);
+    EXPECT_FIELD(GNSSPlaceRecord, gnssAccuracy, 4, 1);
+    EXPECT_FIELD(GNSSPlaceRecord, latitude, 5, 3);
+    EXPECT_FIELD(GNSSPlaceRecord, longitude, 8, 3);
+}
+
+TEST(Records, GnssPlaceAuthRecord)
+{
+    expectPlainBytes<GNSSPlaceAuthRecord>(12);
+    EXPECT_FIELD(GNSSPlaceAuthRecord, gnssPlaceRecord, 0, 11);
+    EXPECT_FIELD(GNSSPlaceAuthRecord, authenticationStatus, 11, 1);
+}
+
+TEST(Records, PlaceRecordG2)
+{
+    expectPlainBytes<PlaceRecord_g2>(21);
+    EXPECT_FIELD(PlaceRecord_g2, entryTime, 0, 4);
+    EXPECT_FIELD(PlaceRecord_g2, entryTypeDailyWorkPeriod, 4, 1);
+    EXPECT_FIELD(PlaceRecord_g2, dailyWorkPeriodCountry, 5, 1);
+    EXPECT_FIELD(PlaceRecord_g2, dailyWorkPeriodRegion, 6, 1);
+    EXPECT_FIELD(PlaceRecord_g2, vehicleOdometerValue, 7, 3);
+    EXPECT_FIELD(PlaceRecord_g2, entryGNSSPlaceRecord, 10, 11);
+}
+
+TEST(Records, CardVehicleUnitsRecord)
+{
+    expectPlainBytes<CardVehicleUnitsRecord_g2>(10);
+    EXPECT_FIELD(CardVehicleUnitsRecord_g2, timeStamp, 0, 4);
+    EXPECT_FIELD(CardVehicleUnitsRecord_g2, manufacturerCode, 4, 1);
+    EXPECT_FIELD(CardVehicleUnitsRecord_g2, deviceID, 5, 1);
+    EXPECT_FIELD(CardVehicleUnitsRecord_g2, vuSoftwareVersion, 6, 4);
+}
+
+TEST(Records, GnssContinousDrivingRecord)
+{
+    expectPlainBytes<GNSSContinousDrivingRecord_g2>(18);
+    EXPECT_FIELD(GNSSContinousDrivingRecord_g2, timeStamp, 0, 4);
+    EXPECT_FIELD(GNSSContinousDrivingRecord_g2, gnssPlaceRecord, 4, 11);
+    EXPECT_FIELD(GNSSContinousDrivingRecord_g2, vehicleOdometerValue, 15, 3);
+}
+
+TEST(Records, PlaceAuthStatusRecord)
+{
+    expectPlainBytes<PlaceAuthStatusRecord_g2_2>(5);
+    EXPECT_FIELD(PlaceAuthStatusRecord_g2_2, entryTime, 0, 4);
+    EXPECT_FIELD(PlaceAuthStatusRecord_g2_2, authenticationStatus, 4, 1);
+}
+
+TEST(Records, GnssAuthStatusRecord)
+{
+    expectPlainBytes<GNSSAuthStatusADRecord_g2_2>(5);
+    EXPECT_FIELD(GNSSAuthStatusADRecord_g2_2, timeStamp, 0, 4);
+    EXPECT_FIELD(GNSSAuthStatusADRecord_g2_2, authenticationStatus, 4, 1);
+}
+
+TEST(Records, CardBorderCrossingRecord)
+{
+    expectPlainBytes<CardBorderCrossingRecord_g2_2>(17);
+    EXPECT_FIELD(CardBorderCrossingRecord_g2_2, countryLeft, 0, 1);
+    EXPECT_FIELD(CardBorderCrossingRecord_g2_2, countryEntered, 1, 1);
+    EXPECT_FIELD(CardBorderCrossingRecord_g2_2, gnssPlaceAuthRecord, 2, 12);
+    EXPECT_FIELD(CardBorderCrossingRecord_g2_2, vehicleOdometerValue, 14, 3);
+}
+
+TEST(Records, CardLoadUnloadRecord)
+{
+    expectPlainBytes<CardLoadUnloadRecord_g2_2>(20);
+    EXPECT_FIELD(CardLoadUnloadRecord_g2_2, timeStamp, 0, 4);
+    EXPECT_FIELD(CardLoadUnloadRecord_g2_2, operationType, 4, 1);
+    EXPECT_FIELD(CardLoadUnloadRecord_g2_2, gnssPlaceAuthRecord, 5, 12);
+    EXPECT_FIELD(CardLoadUnloadRecord_g2_2, vehicleOdometerValue, 17, 3);
+}
+
+TEST(Records, CardLoadTypeEntryRecord)
+{
+    expectPlainBytes<CardLoadTypeEntryRecord_g2_2>(5);
+    EXPECT_FIELD(CardLoadTypeEntryRecord_g2_2, timeStamp, 0, 4);
+    EXPECT_FIELD(CardLoadTypeEntryRecord_g2_2, loadTypeEntered, 4, 1);
+}
+
 } // namespace
