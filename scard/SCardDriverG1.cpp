@@ -16,19 +16,9 @@ namespace scard {
 using detail::ledByStep;
 using detail::libraryError;
 
-namespace {
-
-const char* trueOrFalse(bool value)
-{
-    return value ? "true" : "false";
-}
-
-} // namespace
-
 struct SCardDriverG1::Private
 {
     detail::CardApplication application{detail::driverG1Table()};
-    bool dataValid = false;
 };
 
 SCardDriverG1::SCardDriverG1() : SCardDriverG1(SCardGeneric(0L, QDateTime(), RegionDDD)) {}
@@ -57,20 +47,20 @@ aux::Error SCardDriverG1::calcDataToRead()
         qDebug().noquote() << text << readFailure;
         return detail::withStep(readFailure, text);
     }
-    addDataToRead(d->application.dataToRead());
+    addDataToRead(d->application.dataToRead(*this, detail::OnCards::All));
     return {};
 }
 
 aux::Error SCardDriverG1::read()
 {
-    d->dataValid = false;
+    setDataValid(false);
     d->application.clear();
     d->application.keep(detail::fidIcc, detail::bytesOf(iccIdentification()));
     d->application.keep(detail::fidIc, detail::bytesOf(icIdentification()));
 
-    aux::Error failure = ScSelectFile(detail::driverG1Table().applicationName);
+    aux::Error failure = d->application.select(*this);
     if (!failure.isEmpty())
-        return ledByStep(QStringLiteral("read() Select DF_Tachograph failed"), std::move(failure));
+        return failure;
 
     failure = d->application.read(*this, !hasCard(), [this](unsigned short fid) {
         if (fid == detail::fidIdentification)
@@ -84,22 +74,16 @@ aux::Error SCardDriverG1::read()
     SCardDriverG1::buildUsedVehiclesList();
     SCardDriverG1::buildEventList();
     SCardDriverG1::buildFaultList();
-    d->dataValid = true;
+    setDataValid(true);
     return {};
 }
 
 aux::Error SCardDriverG1::saveToFile(QFile& file)
 {
-    if (!file.isOpen())
-        return libraryError(QStringLiteral("saveToFile(): File not opened"));
-    if (!d->dataValid) {
-        qDebug().noquote() << "Save failed g1: " + QByteArray(trueOrFalse(d->dataValid))
-                           << trueOrFalse(isLoadedFromZubo());
-        return libraryError(QStringLiteral("saveToFile(): no valid data"));
-    }
-    if (!hasCard())
-        return libraryError(QStringLiteral("saveToFile(): not allowed on data read from file "));
-    aux::Error failure = d->application.save(*this, file);
+    aux::Error failure = whyNotSaved(file, "Save failed g1: ", isLoadedFromZubo());
+    if (!failure.isEmpty())
+        return failure;
+    failure = d->application.save(*this, file);
     if (failure.isEmpty())
         return {};
     return ledByStep(QStringLiteral("saveToFile() Failed"), std::move(failure));
@@ -109,9 +93,9 @@ aux::Error SCardDriverG1::postDownloadTasks()
 {
     if (hasImageOnly())
         return {};
-    aux::Error failure = ScSelectFile(detail::driverG1Table().applicationName);
+    aux::Error failure = d->application.select(*this);
     if (!failure.isEmpty())
-        return ledByStep(QStringLiteral("read() Select DF_Tachograph failed"), std::move(failure));
+        return failure;
     return updateLastCardDownload();
 }
 
@@ -175,7 +159,7 @@ void SCardDriverG1::constructFilename()
 
 aux::Error SCardDriverG1::updateLastCardDownload()
 {
-    if (!d->dataValid)
+    if (!isDataValid())
         return libraryError(QStringLiteral("updateLastCardDownload(): no valid data"));
     const auto now = static_cast<std::uint32_t>(QDateTime::currentSecsSinceEpoch() & 0xFFFFFFFF);
     const auto stamp = toBigEndian<4>(now);

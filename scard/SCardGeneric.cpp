@@ -45,6 +45,11 @@ constexpr unsigned long long largestDataset = 0xFFFF;
 /// bytes in the last answer. A card that spends four on the header of that answer is refused by the reader.
 constexpr std::size_t spareBytes = 5;
 
+const char* trueOrFalse(bool value)
+{
+    return value ? "true" : "false";
+}
+
 /// A command whose answer is its status word alone.
 aux::Error sendForStatus(SCardGeneric& card, unsigned char* command, std::size_t length)
 {
@@ -61,11 +66,12 @@ struct SCardGeneric::Private
         : region(filenameRegion), downloadTimestamp(std::move(timestamp)), cardHandle(handle)
     {}
 
-    // These four belong to one object's own dialogue; a copy starts anew.
+    // These belong to one object's own dialogue; a copy starts anew.
     unsigned short statusWord = detail::statusSuccess;
     std::uint32_t bytesRead = 0;
     std::uint32_t bytesToRead = 0;
     bool cardInfoAvailable = false;
+    bool dataValid = false;
 
     FilenameRegion region;
     QDateTime downloadTimestamp;
@@ -114,7 +120,8 @@ SCardGeneric::SCardGeneric(QFile& image, QDateTime downloadTimestamp, FilenameRe
         qDebug().noquote() << libraryError(QStringLiteral("SCardGeneric() Could not load file"));
         return;
     }
-    image.seek(0); // all its bytes, wherever the caller left it
+    if (!image.isSequential())
+        image.seek(0); // all its bytes, wherever the caller left it
     d->image = image.readAll();
     d->imagePresent = true;
 }
@@ -125,6 +132,7 @@ SCardGeneric::SCardGeneric(const SCardGeneric& other) : QObject(), d(std::make_u
     d->bytesRead = 0;
     d->bytesToRead = 0;
     d->cardInfoAvailable = false;
+    d->dataValid = false;
 }
 
 SCardGeneric::~SCardGeneric() = default;
@@ -611,6 +619,39 @@ void SCardGeneric::setFilename(const QString& filename)
 void SCardGeneric::addDataToRead(std::uint32_t bytes)
 {
     d->bytesToRead += bytes;
+}
+
+void SCardGeneric::addBytesRead(std::uint32_t bytes)
+{
+    d->bytesRead += bytes;
+}
+
+bool SCardGeneric::hasCardInfo() const
+{
+    return d->cardInfoAvailable;
+}
+
+bool SCardGeneric::isDataValid() const
+{
+    return d->dataValid;
+}
+
+void SCardGeneric::setDataValid(bool valid)
+{
+    d->dataValid = valid;
+}
+
+aux::Error SCardGeneric::whyNotSaved(const QFile& file, const char* logText, bool loggedFlag) const
+{
+    if (!file.isOpen())
+        return libraryError(QStringLiteral("saveToFile(): File not opened"));
+    if (!d->dataValid) {
+        qDebug().noquote() << QByteArray(logText) + trueOrFalse(d->dataValid) << trueOrFalse(loggedFlag);
+        return libraryError(QStringLiteral("saveToFile(): no valid data"));
+    }
+    if (!d->hasCard())
+        return libraryError(QStringLiteral("saveToFile(): not allowed on data read from file "));
+    return {};
 }
 
 } // namespace scard

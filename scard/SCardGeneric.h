@@ -266,6 +266,18 @@ class SCARD_EXPORT SCardGeneric : public QObject
     FilenameRegion filenameRegion() const;
     void setFilename(const QString& filename);
     void addDataToRead(std::uint32_t bytes);
+    void addBytesRead(std::uint32_t bytes);
+
+    /// True after a successful readCardInfo() of this object.
+    bool hasCardInfo() const;
+
+    /// True once a card class has read all that its image needs.
+    bool isDataValid() const;
+    void setDataValid(bool valid);
+
+    /// Why the image cannot be written to @p file now; empty when it can. Without valid data the debug stream
+    /// gets @p logText, the data-valid flag and @p loggedFlag.
+    aux::Error whyNotSaved(const QFile& file, const char* logText, bool loggedFlag) const;
 
   private:
     template <typename Record>

@@ -1,5 +1,7 @@
 #include <scard/detail/CardApplication.h>
 
+#include <scard/detail/CertificateSize.h>
+#include <scard/detail/ErrorBuilder.h>
 #include <scard/records/BigEndian.h>
 
 #include <QDebug>
@@ -9,15 +11,35 @@
 
 namespace scard::detail {
 
+namespace {
+
+bool isOnCard(const EfRow& row, const SCardGeneric& card)
+{
+    return row.onCards == OnCards::All || card.is2_2Generation();
+}
+
+} // namespace
+
 CardApplication::CardApplication(const EfTable& table) : m_table(&table) {}
 
-std::uint32_t CardApplication::dataToRead() const
+std::uint32_t CardApplication::dataToRead(SCardGeneric& card, OnCards onCards) const
 {
     unsigned long long total = 0;
-    for (const EfRow& row : m_table->rows)
+    for (const EfRow& row : m_table->rows) {
+        if (row.onCards != onCards)
+            continue;
         for (const Piece& piece : row.pieces)
-            total += length(piece);
+            total += length(card, row, piece);
+    }
     return static_cast<std::uint32_t>(total & 0xFFFFFFFF);
+}
+
+aux::Error CardApplication::select(SCardGeneric& card) const
+{
+    aux::Error failure = card.ScSelectFile(m_table->applicationName);
+    if (failure.isEmpty())
+        return {};
+    return ledByStep(QStringLiteral("read() Select DF_Tachograph failed"), std::move(failure));
 }
 
 void CardApplication::clear()
@@ -34,7 +56,7 @@ aux::Error
 CardApplication::read(SCardGeneric& card, bool onImage, const std::function<void(unsigned short)>& afterEf)
 {
     for (const EfRow& row : m_table->rows) {
-        if (row.readAt == ReadAt::Identification)
+        if (row.readAt == ReadAt::Identification || !isOnCard(row, card))
             continue;
         qDebug().noquote().nospace() << '\n' << row.name;
         try {
@@ -55,6 +77,8 @@ aux::Error CardApplication::save(SCardGeneric& card, QFile& file) const
     for (const unsigned short fid : m_table->saveOrder) {
         const auto row = std::find_if(
             m_table->rows.begin(), m_table->rows.end(), [fid](const EfRow& each) { return each.fid == fid; });
+        if (!isOnCard(*row, card))
+            continue;
         aux::Error failure = card.writeDatasetToFile(file, fid, m_table->secondGeneration, bytes(fid));
         if (failure.isEmpty() && row->signing == Signing::Signed)
             failure =
@@ -65,6 +89,18 @@ aux::Error CardApplication::save(SCardGeneric& card, QFile& file) const
     return {};
 }
 
+bool CardApplication::has(unsigned short fid) const
+{
+    return m_datasets.count(fid) > 0;
+}
+
+bool CardApplication::hasRequired(const SCardGeneric& card) const
+{
+    return std::all_of(m_table->rows.begin(), m_table->rows.end(), [this, &card](const EfRow& row) {
+        return row.inImage == InImage::Optional || !isOnCard(row, card) || has(row.fid);
+    });
+}
+
 const std::vector<unsigned char>& CardApplication::bytes(unsigned short fid) const
 {
     static const std::vector<unsigned char> none;
@@ -72,19 +108,25 @@ const std::vector<unsigned char>& CardApplication::bytes(unsigned short fid) con
     return dataset == m_datasets.end() ? none : dataset->second.bytes;
 }
 
-std::uint32_t CardApplication::count(const RecordCount& count) const
+std::uint32_t CardApplication::count(SCardGeneric& card, const EfRow& row, const RecordCount& count) const
 {
-    if (count.fid == 0)
-        return count.fixed;
+    switch (count.from) {
+    case RecordCount::From::Number:
+        return count.number;
+    case RecordCount::From::CertificateHeader:
+        return get2ndGenCertificateSize(card, row.fid);
+    case RecordCount::From::Field:
+        break;
+    }
     const std::vector<unsigned char>& source = bytes(count.fid);
     if (source.size() < count.fieldOffset + count.fieldLength)
         return 0;
     return fromBigEndian(source.data() + count.fieldOffset, count.fieldLength);
 }
 
-unsigned long long CardApplication::length(const Piece& piece) const
+unsigned long long CardApplication::length(SCardGeneric& card, const EfRow& row, const Piece& piece) const
 {
-    return static_cast<unsigned long long>(piece.recordSize) * count(piece.count) * piece.groups;
+    return static_cast<unsigned long long>(piece.recordSize) * count(card, row, piece.count) * piece.groups;
 }
 
 void CardApplication::readEf(SCardGeneric& card, const EfRow& row)
@@ -92,8 +134,9 @@ void CardApplication::readEf(SCardGeneric& card, const EfRow& row)
     Dataset dataset;
     for (const Piece& piece : row.pieces) {
         const auto offset = static_cast<unsigned short>(dataset.bytes.size());
+        const auto pieceLength = static_cast<std::uint32_t>(length(card, row, piece));
         std::vector<std::vector<unsigned char>> read =
-            card.readFrom<unsigned char>(row.fid, static_cast<std::uint32_t>(length(piece)), 1, offset, true);
+            card.readFrom<unsigned char>(row.fid, pieceLength, 1, offset, true);
         if (dataset.bytes.empty())
             dataset.bytes = std::move(read.front());
         else

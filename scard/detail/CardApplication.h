@@ -28,8 +28,13 @@ class CardApplication
   public:
     explicit CardApplication(const EfTable& table);
 
-    /// Bytes that the rows hold by the counts of the identification EFs kept so far.
-    std::uint32_t dataToRead() const;
+    /// Bytes of the rows that belong to @p onCards, by the counts of the identification EFs kept so far; a
+    /// certificate's header is read from @p card.
+    std::uint32_t dataToRead(SCardGeneric& card, OnCards onCards) const;
+
+    /// Selects the application by its name. Error: "read() Select DF_Tachograph failed", the same words for
+    /// both generations, with the selection's entries behind it.
+    aux::Error select(SCardGeneric& card) const;
 
     /// Forgets what was read.
     void clear();
@@ -39,12 +44,19 @@ class CardApplication
 
     /// Reads the rows in their order from @p card, on which the application is selected; @p afterEf is
     /// called with the FID behind each EF that was read. A failure goes to the debug stream behind the
-    /// row's text and ends the walk, unless @p onImage and the row is optional there.
+    /// row's text and ends the walk, unless @p onImage and the row is optional there. Rows of version 2.2
+    /// are passed on other cards, here and in save().
     aux::Error read(SCardGeneric& card, bool onImage, const std::function<void(unsigned short)>& afterEf);
 
     /// Writes the EFs in saving order, each with its signature behind it, as far as its row is signed.
     /// The first failed write ends the walk and is returned as it is.
     aux::Error save(SCardGeneric& card, QFile& file) const;
+
+    /// True when the EF was read or kept.
+    bool has(unsigned short fid) const;
+
+    /// True when every EF was read that an image of @p card must have.
+    bool hasRequired(const SCardGeneric& card) const;
 
     /// The EF's bytes; empty when it was not read.
     const std::vector<unsigned char>& bytes(unsigned short fid) const;
@@ -61,8 +73,8 @@ class CardApplication
     }
 
   private:
-    std::uint32_t count(const RecordCount& count) const;
-    unsigned long long length(const Piece& piece) const;
+    std::uint32_t count(SCardGeneric& card, const EfRow& row, const RecordCount& count) const;
+    unsigned long long length(SCardGeneric& card, const EfRow& row, const Piece& piece) const;
     void readEf(SCardGeneric& card, const EfRow& row);
 
     const EfTable* m_table; ///< lives as long as the program

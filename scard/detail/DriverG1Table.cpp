@@ -10,16 +10,10 @@ namespace scard::detail {
 namespace {
 
 // Annex 1B, Appendix 2: sizes that no count decides.
-constexpr std::uint32_t certificateLength = 194;
+constexpr std::uint32_t certificateBytes = 194;
 constexpr unsigned short eventGroups = 6;
 constexpr unsigned short faultGroups = 2;
 constexpr std::uint32_t specificConditions = 56;
-
-template <typename Record>
-Piece one()
-{
-    return {sizeof(Record), fixedCount(1), 1};
-}
 
 EfTable makeTable()
 {
@@ -31,10 +25,11 @@ EfTable makeTable()
     const RecordCount vehicles = SCARD_COUNT_FIELD(id, Application, noOfCardVehicleRecords);
     const RecordCount places = SCARD_COUNT_FIELD(id, Application, noOfCardPlaceRecords);
 
-    const Piece certificate{1, fixedCount(certificateLength), 1};
+    const Piece certificate = records<unsigned char>(fixedCount(certificateBytes));
     const Piece pointer = one<UInt16>();
-    const Piece bytePointer{1, fixedCount(1), 1};
-    const Piece conditions{sizeof(SpecificConditionRecord), fixedCount(specificConditions), 1};
+    const Piece bytePointer = one<unsigned char>();
+    const Piece activities = records<unsigned char>(activityLength);
+    const Piece conditions = records<SpecificConditionRecord>(fixedCount(specificConditions));
 
     constexpr auto yes = Signing::Signed;
     constexpr auto no = Signing::Unsigned;
@@ -48,26 +43,41 @@ EfTable makeTable()
     // the last row is spelled as it always was: people search their logs for it.
     // clang-format off
     table.rows = {
-        {0x0002, "EF_ICC", "", {one<CardIccIdentification>()}, no, optional, ReadAt::Identification},
-        {0x0005, "EF_IC", "", {one<CardIcIdentification>()}, no, optional, ReadAt::Identification},
-        {0x0520, "EF_Identification", "Error reading EF_Identification:", {one<DriverCard_EF_Identification>()}, yes, required},
-        {0x0501, "EF_Application_Identification", "Error reading EF_Application_Identification:", {one<Application>()}, yes, required},
-        {0xC100, "EF_Card_Certificate", "Error reading EF_Card_Certificate:", {certificate}, no, optional},
-        {0xC108, "EF_CA_Certificate", "Error reading EF_CA_Certificate:", {certificate}, no, optional},
-        {0x050E, "EF_Card_Download", "Error reading EF_Card_Download:", {one<TimeReal>()}, yes, optional},
-        {0x0521, "EF_Driving_License_Info", "Error reading EF_Driving_License_Info:", {one<CardDrivingLicenceInformation>()}, yes, optional},
-        {0x0502, "EF_EventsData", "Error reading EF_EventsData:", {{sizeof(CardEventRecord), eventsPerType, eventGroups}}, yes, required},
-        {0x0503, "EF_FaultsData", "Error reading EF_FaultsData:", {{sizeof(CardFaultRecord), faultsPerType, faultGroups}}, yes, required},
-        {0x0504, "EF_Driver_Activity_Data", "Error reading EF_Driver_Activity_Data:", {pointer, pointer, {1, activityLength, 1}}, yes, required},
-        {0x0505, "EF_Vehicles_Used", "Error reading EF_Vehicles_Used:", {pointer, {sizeof(CardVehicleRecord_g1), vehicles, 1}}, yes, required},
-        {0x0506, "EF_Places", "Error reading EF_Places:", {bytePointer, {sizeof(PlaceRecord_g1), places, 1}}, yes, optional},
-        {0x0507, "EF_Current_Usage", "Error reading EF_Current_Usage:", {one<CardCurrentUse>()}, yes, optional},
-        {0x0508, "EF_Control_Activity_Data", "Error reading EF_Control_Activity_Data:", {one<CardControlActivityDataRecord>()}, yes, optional},
-        {0x0522, "EF_Specific_Conditions", "Error reading m_EF_Specitifc_Conditions:", {conditions}, yes, optional},
+        {fidIcc, "EF_ICC", "", {one<CardIccIdentification>()}, no, optional, ReadAt::Identification},
+        {fidIc, "EF_IC", "", {one<CardIcIdentification>()}, no, optional, ReadAt::Identification},
+        {fidIdentification, "EF_Identification", "Error reading EF_Identification:", {one<DriverCard_EF_Identification>()}, yes, required},
+        {fidApplicationIdentification, "EF_Application_Identification", "Error reading EF_Application_Identification:", {one<Application>()}, yes, required},
+        {fidCardCertificate, "EF_Card_Certificate", "Error reading EF_Card_Certificate:", {certificate}, no, optional},
+        {fidCaCertificate, "EF_CA_Certificate", "Error reading EF_CA_Certificate:", {certificate}, no, optional},
+        {fidCardDownload, "EF_Card_Download", "Error reading EF_Card_Download:", {one<TimeReal>()}, yes, optional},
+        {fidDrivingLicenceInfo, "EF_Driving_License_Info", "Error reading EF_Driving_License_Info:", {one<CardDrivingLicenceInformation>()}, yes, optional},
+        {fidEventsData, "EF_EventsData", "Error reading EF_EventsData:", {records<CardEventRecord>(eventsPerType, eventGroups)}, yes, required},
+        {fidFaultsData, "EF_FaultsData", "Error reading EF_FaultsData:", {records<CardFaultRecord>(faultsPerType, faultGroups)}, yes, required},
+        {fidDriverActivityData, "EF_Driver_Activity_Data", "Error reading EF_Driver_Activity_Data:", {pointer, pointer, activities}, yes, required},
+        {fidVehiclesUsed, "EF_Vehicles_Used", "Error reading EF_Vehicles_Used:", {pointer, records<CardVehicleRecord_g1>(vehicles)}, yes, required},
+        {fidPlaces, "EF_Places", "Error reading EF_Places:", {bytePointer, records<PlaceRecord_g1>(places)}, yes, optional},
+        {fidCurrentUsage, "EF_Current_Usage", "Error reading EF_Current_Usage:", {one<CardCurrentUse>()}, yes, optional},
+        {fidControlActivityData, "EF_Control_Activity_Data", "Error reading EF_Control_Activity_Data:", {one<CardControlActivityDataRecord>()}, yes, optional},
+        {fidSpecificConditions, "EF_Specific_Conditions", "Error reading m_EF_Specitifc_Conditions:", {conditions}, yes, optional},
     };
     // clang-format on
-    table.saveOrder = {0x0002, 0x0005, 0x0501, 0xC100, 0xC108, 0x0520, 0x050E, 0x0521,
-                       0x0502, 0x0503, 0x0504, 0x0505, 0x0506, 0x0507, 0x0508, 0x0522};
+    table.saveOrder = {
+        fidIcc,
+        fidIc,
+        fidApplicationIdentification,
+        fidCardCertificate,
+        fidCaCertificate,
+        fidIdentification,
+        fidCardDownload,
+        fidDrivingLicenceInfo,
+        fidEventsData,
+        fidFaultsData,
+        fidDriverActivityData,
+        fidVehiclesUsed,
+        fidPlaces,
+        fidCurrentUsage,
+        fidControlActivityData,
+        fidSpecificConditions};
     return table;
 }
 

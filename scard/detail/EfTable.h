@@ -10,24 +10,38 @@
 
 namespace scard::detail {
 
-/// How many records a piece of an EF has: a fixed number, or what an identification EF of the same
-/// application says.
+/// How many records a piece of an EF has: a fixed number, what an identification EF of the same
+/// application says, or what the EF says itself.
 struct RecordCount
 {
-    std::uint32_t fixed = 0;
-    unsigned short fid = 0;      ///< EF that holds the number; 0 for a fixed one
+    enum class From
+    {
+        Number,
+        Field,
+        CertificateHeader
+    };
+
+    From from = From::Number;
+    std::uint32_t number = 0;
+    unsigned short fid = 0;      ///< EF of the field
     std::size_t fieldOffset = 0; ///< bytes from the start of that EF
     std::size_t fieldLength = 0; ///< bytes of the big-endian number
 };
 
 constexpr RecordCount fixedCount(std::uint32_t number)
 {
-    return {number, 0, 0, 0};
+    return {RecordCount::From::Number, number, 0, 0, 0};
 }
 
 constexpr RecordCount countField(unsigned short fid, std::size_t offset, std::size_t length)
 {
-    return {0, fid, offset, length};
+    return {RecordCount::From::Field, 0, fid, offset, length};
+}
+
+/// As many bytes as the certificate at the start of the EF announces.
+constexpr RecordCount certificateLength()
+{
+    return {RecordCount::From::CertificateHeader, 0, 0, 0, 0};
 }
 
 /// The count that a field of an identification record gives.
@@ -41,6 +55,18 @@ struct Piece
     RecordCount count;          ///< records in a group
     unsigned short groups = 1;
 };
+
+template <typename Record>
+constexpr Piece records(RecordCount count, unsigned short groups = 1)
+{
+    return {sizeof(Record), count, groups};
+}
+
+template <typename Record>
+constexpr Piece one()
+{
+    return records<Record>(fixedCount(1));
+}
 
 enum class Signing
 {
@@ -62,6 +88,13 @@ enum class ReadAt
     Download
 };
 
+/// Which cards of the table's generation have the EF.
+enum class OnCards
+{
+    All,
+    Version2_2
+};
+
 struct EfRow
 {
     unsigned short fid;
@@ -71,6 +104,7 @@ struct EfRow
     Signing signing = Signing::Unsigned;
     InImage inImage = InImage::Required;
     ReadAt readAt = ReadAt::Download;
+    OnCards onCards = OnCards::All;
 };
 
 struct EfTable

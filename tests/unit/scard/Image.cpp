@@ -23,6 +23,12 @@ Image& Image::add(unsigned short fid, unsigned char type, const Bytes& payload)
     return *this;
 }
 
+Image& Image::append(const Image& other)
+{
+    m_records.insert(m_records.end(), other.m_records.begin(), other.m_records.end());
+    return *this;
+}
+
 Image& Image::without(unsigned short fid)
 {
     m_records.erase(

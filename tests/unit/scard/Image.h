@@ -29,6 +29,9 @@ class Image
   public:
     Image& add(unsigned short fid, unsigned char type, const Bytes& payload);
 
+    /// The records of @p other behind those that are there.
+    Image& append(const Image& other);
+
     /// Leaves out every record of an EF.
     Image& without(unsigned short fid);
 

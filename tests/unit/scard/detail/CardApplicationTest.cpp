@@ -69,6 +69,12 @@ Image threeFilesImage()
         .add(0x0101, test::dataG1, {0xAB, 3});
 }
 
+std::uint32_t bytesOfAllRows(const CardApplication& application)
+{
+    scard::SCardGeneric noCard(0, QDateTime(), scard::RegionDDD);
+    return application.dataToRead(noCard, OnCards::All);
+}
+
 class CardApplicationOnImage : public testing::Test
 {
   protected:
@@ -189,6 +195,55 @@ TEST_F(CardApplicationOnImage, SavingAnEfThatWasNotReadFails)
         chain(application.save(card, file)), ElementsAre(lib("writeDatasetToFile(): no valid data", 0)));
 }
 
+TEST_F(CardApplicationOnImage, KnowsWhetherAllIsThereThatAnImageMustHave)
+{
+    scard::SCardGeneric noCard(0, QDateTime(), scard::RegionDDD);
+    EXPECT_FALSE(application.hasRequired(noCard));
+    ASSERT_THAT(chain(read(threeFilesImage().without(0x0102))), IsEmpty());
+    EXPECT_FALSE(application.hasRequired(noCard)); // EF_Skipped comes with the identification
+    application.keep(0x0001, {1, 2, 3, 4});
+    EXPECT_TRUE(application.hasRequired(noCard));
+    EXPECT_FALSE(application.has(0x0102));
+    EXPECT_TRUE(application.has(0x0101));
+}
+
+TEST_F(CardApplicationOnImage, AnEfThatIsNotOnTheCardIsNotRequired)
+{
+    EfTable table = threeFiles();
+    table.rows.back().onCards = OnCards::Version2_2;
+    CardApplication other(table);
+    other.keep(0x0001, {1, 2, 3, 4});
+    other.keep(0x0101, {0xAB, 3});
+    scard::SCardGeneric noCard(0, QDateTime(), scard::RegionDDD);
+    EXPECT_TRUE(other.hasRequired(noCard));
+}
+
+TEST_F(CardApplicationOnImage, RowsOfVersion22ArePassedOnOtherCards)
+{
+    EfTable table = threeFiles();
+    table.rows.back().onCards = OnCards::Version2_2;
+    application = CardApplication(table);
+    EXPECT_THAT(chain(read(threeFilesImage().without(0x0103))), IsEmpty());
+    EXPECT_THAT(announced, ElementsAre(0x0101, 0x0102));
+    scard::SCardGeneric noCard(0, QDateTime(), scard::RegionDDD);
+    EXPECT_EQ(application.dataToRead(noCard, OnCards::All), 4U + 2 + 1 + 6);
+    EXPECT_EQ(application.dataToRead(noCard, OnCards::Version2_2), 1U);
+}
+
+TEST_F(CardApplicationOnImage, SelectsByTheTablesName)
+{
+    ImageFile file(threeFilesImage());
+    scard::SCardGeneric card(file, QDateTime(), scard::RegionDDD);
+    EXPECT_THAT(chain(application.select(card)), IsEmpty());
+
+    ImageFile ofOtherGeneration(Image().add(0x0101, test::dataG2, {1, 2, 3, 4, 5, 6}));
+    scard::SCardGeneric other(ofOtherGeneration, QDateTime(), scard::RegionDDD);
+    EXPECT_THAT(
+        chain(application.select(other)), ElementsAre(
+                                              lib("read() Select DF_Tachograph failed", 0x6A82),
+                                              lib("memSelectFile(): Dataset not found", 0x6A82)));
+}
+
 TEST_F(CardApplicationOnImage, ClearForgetsWhatWasRead)
 {
     ASSERT_THAT(chain(read(threeFilesImage())), IsEmpty());
@@ -213,10 +268,10 @@ TEST(CardApplication, ARecordThatWasNotReadIsAllZero)
 TEST(CardApplication, AddsUpTheBytesOfAllRows)
 {
     CardApplication application(threeFiles());
-    EXPECT_EQ(application.dataToRead(), 4U + 2 + 1 + 1);
+    EXPECT_EQ(bytesOfAllRows(application), 4U + 2 + 1 + 1);
 
     application.keep(0x0101, {0xAB, 200});
-    EXPECT_EQ(application.dataToRead(), 4U + 2 + 1 + 400 + 1);
+    EXPECT_EQ(bytesOfAllRows(application), 4U + 2 + 1 + 400 + 1);
 }
 
 TEST(CardApplication, ACountBehindTheEndOfItsEfIsZero)
@@ -224,7 +279,7 @@ TEST(CardApplication, ACountBehindTheEndOfItsEfIsZero)
     CardApplication application(threeFiles());
     application.keep(0x0101, {0xAB});
 
-    EXPECT_EQ(application.dataToRead(), 8U);
+    EXPECT_EQ(bytesOfAllRows(application), 8U);
 }
 
 } // namespace
