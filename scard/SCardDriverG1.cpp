@@ -2,10 +2,17 @@
 
 #include <aux/CountryCodes.h>
 #include <scard/detail/CardApplication.h>
+#include <scard/detail/DayList.h>
 #include <scard/detail/DriverFileName.h>
 #include <scard/detail/DriverG1Table.h>
+#include <scard/detail/DriverValues.h>
+#include <scard/detail/DrivingTime.h>
 #include <scard/detail/ErrorBuilder.h>
 #include <scard/detail/Fid.h>
+#include <scard/detail/HolderName.h>
+#include <scard/detail/RecordFields.h>
+#include <scard/detail/SortByTime.h>
+#include <scard/detail/UsageLists.h>
 
 #include <QDebug>
 
@@ -19,6 +26,19 @@ using detail::libraryError;
 struct SCardDriverG1::Private
 {
     detail::CardApplication application{detail::driverG1Table()};
+    detail::DayList days;
+    std::vector<_VEHICLE_USAGE_INFO> vehicles;
+    std::vector<_EVENT> events;
+    std::vector<_FAULT> faults;
+
+    void clear()
+    {
+        application.clear();
+        days.clear();
+        vehicles.clear();
+        events.clear();
+        faults.clear();
+    }
 };
 
 SCardDriverG1::SCardDriverG1() : SCardDriverG1(SCardGeneric(0L, QDateTime(), RegionDDD)) {}
@@ -54,7 +74,7 @@ aux::Error SCardDriverG1::calcDataToRead()
 aux::Error SCardDriverG1::read()
 {
     setDataValid(false);
-    d->application.clear();
+    d->clear();
     d->application.keep(detail::fidIcc, detail::bytesOf(iccIdentification()));
     d->application.keep(detail::fidIc, detail::bytesOf(icIdentification()));
 
@@ -66,16 +86,16 @@ aux::Error SCardDriverG1::read()
         if (fid == detail::fidIdentification)
             announceHolder();
     });
-    if (!failure.isEmpty())
-        return failure;
-
-    // Not through the virtual slots: a second-generation card's own lists are built by its own read().
-    SCardDriverG1::buildDailyActivityList();
-    SCardDriverG1::buildUsedVehiclesList();
-    SCardDriverG1::buildEventList();
-    SCardDriverG1::buildFaultList();
-    setDataValid(true);
-    return {};
+    if (d->application.hasRequired(*this)) {
+        // The lists are those that the image will give. Not through the virtual slots: a second-generation
+        // card's own lists are built by its own read().
+        SCardDriverG1::buildDailyActivityList();
+        SCardDriverG1::buildUsedVehiclesList();
+        SCardDriverG1::buildEventList();
+        SCardDriverG1::buildFaultList();
+    }
+    setDataValid(failure.isEmpty());
+    return failure;
 }
 
 aux::Error SCardDriverG1::saveToFile(QFile& file)
@@ -106,47 +126,138 @@ DriverCard_EF_Identification SCardDriverG1::getCardIdentification()
 
 QDateTime SCardDriverG1::getLastCardDownload()
 {
-    const std::uint32_t seconds = d->application.record<TimeReal>(detail::fidCardDownload).value();
-    return QDateTime::fromSecsSinceEpoch(seconds, Qt::LocalTime);
+    return detail::localTime(d->application.record<TimeReal>(detail::fidCardDownload));
 }
 
 QString SCardDriverG1::getCardHolderName()
 {
-    const DriverCard_EF_Identification identification = SCardDriverG1::getCardIdentification();
-    return textfieldToString(identification.holderFirstNames).trimmed() + QStringLiteral(", ") +
-           textfieldToString(identification.holderSurname).trimmed();
+    return detail::holderName(SCardDriverG1::getCardIdentification());
 }
 
 std::vector<SCardDriverG1::_DAILY_ACTIVITIES> SCardDriverG1::getActivities()
 {
-    return {};
+    d->days.sort();
+    return d->days.days();
 }
 
 std::vector<SCardDriverG1::_VEHICLE_USAGE_INFO> SCardDriverG1::getVehiclesUsed()
 {
-    return {};
+    detail::sortByTime(d->vehicles, &_VEHICLE_USAGE_INFO::firstUse);
+    return d->vehicles;
 }
 
 std::vector<SCardDriverG1::_EVENT> SCardDriverG1::getEvents()
 {
-    return {};
+    detail::sortByTime(d->events, &_EVENT::begin);
+    return d->events;
 }
 
 std::vector<SCardDriverG1::_FAULT> SCardDriverG1::getFaults()
 {
-    return {};
+    detail::sortByTime(d->faults, &_FAULT::begin);
+    return d->faults;
 }
 
 aux::Error SCardDriverG1::buildDailyActivityList()
 {
-    return {};
+    const auto identification =
+        d->application.record<DriverCardApplicationIdentification_g1>(detail::fidApplicationIdentification);
+    return d->days.build(
+        d->application.bytes(detail::fidDriverActivityData), identification.activityStructureLength.value());
 }
 
-void SCardDriverG1::buildUsedVehiclesList() {}
+void SCardDriverG1::buildUsedVehiclesList()
+{
+    d->vehicles = detail::usedVehiclesG1(d->application.bytes(detail::fidVehiclesUsed));
+}
 
-void SCardDriverG1::buildEventList() {}
+void SCardDriverG1::buildEventList()
+{
+    d->events = detail::events(d->application.bytes(detail::fidEventsData));
+}
 
-void SCardDriverG1::buildFaultList() {}
+void SCardDriverG1::buildFaultList()
+{
+    d->faults = detail::faults(d->application.bytes(detail::fidFaultsData));
+}
+
+bool SCardDriverG1::getDayStatistics(
+    QDate date, int& work, int& rest, int& driving, int& availability, int& unknown) const
+{
+    const detail::Day none;
+    const detail::Day* found = d->days.first(date);
+    const detail::Day& day = found ? *found : none;
+    work = day.work;
+    rest = day.rest;
+    driving = day.driving;
+    availability = day.availability;
+    unknown = day.unknown;
+    return found != nullptr;
+}
+
+QDateTime SCardDriverG1::getDateOfFirstActivity() const
+{
+    const std::vector<detail::Day>& days = d->days.days();
+    return days.empty() ? QDateTime() : days.front().date;
+}
+
+QDateTime SCardDriverG1::getDateOfLastActivity() const
+{
+    const std::vector<detail::Day>& days = d->days.days();
+    return days.empty() ? QDateTime() : days.back().date;
+}
+
+int SCardDriverG1::getRemainingDrivingTimeOfDay(QDate date) const
+{
+    return detail::remainingDrivingTimeOfDay(d->days, date);
+}
+
+int SCardDriverG1::getRemainingDrivingTimeOfWeek(QDate date) const
+{
+    return detail::remainingDrivingTimeOfWeek(d->days, date);
+}
+
+int SCardDriverG1::getRemainingExtendedDrivingTimeOfWeek(QDate date) const
+{
+    return detail::remainingExtendedDrivingTimeOfWeek(d->days, date);
+}
+
+int SCardDriverG1::getRemainingReducedRestTimeOfWeek(QDate date) const
+{
+    return detail::remainingReducedRestTimeOfWeek(d->days, date);
+}
+
+int SCardDriverG1::getTimeToNextBreak(QDate date) const
+{
+    return detail::timeToNextBreak(d->days, date);
+}
+
+std::vector<Place> SCardDriverG1::getPlaces() const
+{
+    return detail::placesG1(d->application.bytes(detail::fidPlaces));
+}
+
+std::vector<SpecificCondition> SCardDriverG1::getSpecificConditions() const
+{
+    return detail::specificConditionsG1(d->application.bytes(detail::fidSpecificConditions));
+}
+
+CurrentUse SCardDriverG1::getCurrentUse() const
+{
+    return detail::currentUse(d->application.record<CardCurrentUse>(detail::fidCurrentUsage));
+}
+
+ControlActivity SCardDriverG1::getControlActivity() const
+{
+    return detail::controlActivity(
+        d->application.record<CardControlActivityDataRecord>(detail::fidControlActivityData));
+}
+
+DrivingLicence SCardDriverG1::getDrivingLicence() const
+{
+    return detail::drivingLicence(
+        d->application.record<CardDrivingLicenceInformation>(detail::fidDrivingLicenceInfo));
+}
 
 void SCardDriverG1::constructFilename()
 {

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <scard/DriverCardValues.h>
 #include <scard/Export.h>
 #include <scard/records/DriverCard.h>
 #include <scard/SCardGeneric.h>
 
+#include <QDate>
 #include <QDateTime>
 #include <QString>
 
@@ -27,7 +29,7 @@ class SCARD_EXPORT SCardDriverG1 : public SCardGeneric
     struct _DAILY_ITEM
     {
         std::uint16_t start;         ///< minute of the day
-        std::uint16_t duration;      ///< minutes to the next period's start; 0 for the day's last
+        std::uint16_t duration;      ///< minutes to the next period's start, modulo 65,536; 0 for the last
         std::uint32_t drivingStatus; ///< card inserted: 0 single, 1 crew; not inserted: 0 unknown, 1 known
         std::uint32_t cardStatus;    ///< 0 inserted, 1 not inserted
         std::uint32_t activity;      ///< 0 break or rest, 1 availability, 2 work, 3 driving
@@ -37,7 +39,7 @@ class SCARD_EXPORT SCardDriverG1 : public SCardGeneric
     /// One day with its periods; all sums in minutes.
     struct _DAILY_ACTIVITIES
     {
-        QDateTime date; ///< the day's record date, local time
+        QDateTime date; ///< the day's record date, 00:00 UTC, as local time; toUTC() gives the card's day
         int work = 0;
         int rest = 0;
         int driving = 0;
@@ -91,7 +93,8 @@ class SCARD_EXPORT SCardDriverG1 : public SCardGeneric
     aux::Error calcDataToRead() override;
 
     /// Reads every EF and the signatures. Emits cardLanguage() and cardHolderName() and makes the file
-    /// name as soon as EF_Identification is read. Errors: "read() Select DF_Tachograph failed" with the
+    /// name as soon as EF_Identification is read, and builds the lists when all is read that an image must
+    /// have. Errors: "read() Select DF_Tachograph failed" with the
     /// selection's entries behind it, or the reader's error unchanged; the debug stream says which EF.
     aux::Error read() override;
 
@@ -113,16 +116,31 @@ class SCARD_EXPORT SCardDriverG1 : public SCardGeneric
     /// First names, ", ", surname, both trimmed.
     virtual QString getCardHolderName();
 
-    // Lists for the host. They are not built yet: the builders do nothing, the getters give empty lists.
+    // Lists for the host, built by read(). Each getter sorts its list by time and returns a copy; items of
+    // the same time may come in any order. Empty before a read().
 
-    virtual std::vector<_DAILY_ACTIVITIES> getActivities();
-    virtual std::vector<_VEHICLE_USAGE_INFO> getVehiclesUsed();
-    virtual std::vector<_EVENT> getEvents();
-    virtual std::vector<_FAULT> getFaults();
+    virtual std::vector<_DAILY_ACTIVITIES> getActivities();     ///< by date
+    virtual std::vector<_VEHICLE_USAGE_INFO> getVehiclesUsed(); ///< by first use
+    virtual std::vector<_EVENT> getEvents();                    ///< by begin
+    virtual std::vector<_FAULT> getFaults();                    ///< by begin
 
+    // The builders work on what was read, at any time. A slot that the card never used makes no item.
+
+    /// Walks the cyclic activity buffer from the oldest day to the newest, in the card's order. The minutes
+    /// before a day's first change count as unknown, those behind its last change are not counted.
+    /// The walk ends after as many days as fit the buffer, and with the day whose periods make the list
+    /// hold 1,048,576 of them or more.
+    /// Errors, id 0: "buildDailyActivityList: Invalid activityStructureLength" (the list stays as it was),
+    /// "buildDailyActivityList: Invalid activityRecordLength" (the days before stay in the list).
     virtual aux::Error buildDailyActivityList();
+
+    /// From EF_Vehicles_Used, in slot order; a record whose last use is 0 is an unused slot.
     virtual void buildUsedVehiclesList();
+
+    /// From EF_EventsData, group by group; a record whose type is 0 is an unused slot.
     virtual void buildEventList();
+
+    /// From EF_FaultsData, likewise.
     virtual void buildFaultList();
 
     /// Makes the file name from the identification and the download timestamp by the filename region.
@@ -132,6 +150,53 @@ class SCARD_EXPORT SCardDriverG1 : public SCardGeneric
     /// "updateLastCardDownload(): no valid data" (0) before a complete read(), "updateLastCardDownload()
     /// writeTo() Failed: ID 50e" with the write's id and its entries behind it.
     aux::Error updateLastCardDownload();
+
+    // Figures of a day, from the list of days; a day belongs to the calendar date of its local time. The
+    // remaining times are sums over what is on the card, and no verdict by the rules for drivers.
+
+    /// The minutes of the first day of that date; false, and 0 everywhere, when there is none.
+    bool
+    getDayStatistics(QDate date, int& work, int& rest, int& driving, int& availability, int& unknown) const;
+
+    /// Date of the list's first day, oldest first; null when the list is empty.
+    QDateTime getDateOfFirstActivity() const;
+
+    /// Date of the list's last day; null when the list is empty.
+    QDateTime getDateOfLastActivity() const;
+
+    /// 540 minutes less the day's work and driving; negative when there was more.
+    int getRemainingDrivingTimeOfDay(QDate date) const;
+
+    /// 3360 minutes less work and driving of the seven days that end with @p date; at least 0.
+    int getRemainingDrivingTimeOfWeek(QDate date) const;
+
+    /// 2 less the number of those days with more than 540 minutes of work and driving; at least 0.
+    int getRemainingExtendedDrivingTimeOfWeek(QDate date) const;
+
+    /// 3 less the number of those days that leave less than 660 minutes beside work and driving; at least 0.
+    int getRemainingReducedRestTimeOfWeek(QDate date) const;
+
+    /// 270 minutes less the day's work and driving since the last breaks of more than 44 minutes in sum; at
+    /// least 0. The day's last period has no end yet and does not count.
+    int getTimeToNextBreak(QDate date) const;
+
+    // What else the first-generation application holds; empty where the EF was not read. Lists by time; a
+    // slot that the card never used (its time is 0) makes no item.
+
+    /// EF_Places.
+    std::vector<Place> getPlaces() const;
+
+    /// EF_Specific_Conditions.
+    std::vector<SpecificCondition> getSpecificConditions() const;
+
+    /// EF_Current_Usage.
+    CurrentUse getCurrentUse() const;
+
+    /// EF_Control_Activity_Data.
+    ControlActivity getControlActivity() const;
+
+    /// EF_Driving_License_Info.
+    DrivingLicence getDrivingLicence() const;
 
   private:
     void announceHolder();

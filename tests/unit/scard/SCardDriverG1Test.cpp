@@ -1,5 +1,6 @@
 #include "QtPrinters.h"
 #include "scard/DriverImage.h"
+#include "scard/ImageFailure.h"
 
 #include <scard/SCardDriverG1.h>
 #include <support/DebugStream.h>
@@ -7,7 +8,6 @@
 
 #include <gmock/gmock.h>
 
-#include <QDebug>
 #include <QTemporaryDir>
 
 #include <cstring>
@@ -27,6 +27,10 @@ using test::chain;
 using test::Image;
 using test::ImageFile;
 using test::lib;
+using test::libraryFailure;
+using test::logged;
+using test::loggedLabels;
+using test::missing;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -90,37 +94,6 @@ const QStringList labels = {
     QStringLiteral("\nEF_Control_Activity_Data"),
     QStringLiteral("\nEF_Specific_Conditions"),
 };
-
-/// The labels that went to the debug stream, in their order.
-QStringList loggedLabels()
-{
-    return test::DebugStream::lines().filter(QStringLiteral("\nEF_"));
-}
-
-/// A line of the debug stream: a text and the error behind it.
-QString logged(const char* text, const aux::Error& failure)
-{
-    QString line;
-    QDebug(&line).noquote() << text << failure;
-    return line.trimmed();
-}
-
-/// An error of the library's own entries with one id.
-aux::Error libraryChain(const std::vector<std::string>& messages, unsigned int id = 0)
-{
-    aux::Error failure;
-    for (const std::string& message : messages)
-        failure.append(aux::ErrorData(QStringLiteral("libscard"), QString::fromStdString(message), id));
-    return failure;
-}
-
-/// The error for an EF that the image does not have.
-aux::Error missing(const char* hexFid)
-{
-    return libraryChain(
-        {"memSelectFile(): Dataset not found",
-         std::string("readFromMem() memSelectFile() Failed: ID ") + hexFid});
-}
 
 /// Files to save to; an object on an image gets no further than the first checks.
 class SaveTarget
@@ -326,7 +299,7 @@ TEST(SCardDriverG1Read, AShortOptionalEfIsPassedLikeAMissingOne)
         test::DebugStream::lines().filter(QStringLiteral("Error")),
         ElementsAre(logged(
             "Error reading EF_Places:",
-            libraryChain({"readFromMem() invalid dataset size:30requested:30"}, 6700))));
+            libraryFailure({"readFromMem() invalid dataset size:30requested:30"}, 6700))));
 }
 
 TEST(SCardDriverG1Read, AnImageFailsWithoutARequiredEf)
@@ -524,7 +497,7 @@ TEST(SCardDriverG1DataToRead, NeedsTheApplicationIdentification)
     } rows[] = {
         {"missing", test::smallDriverImage().without(0x0501), missing("501")},
         {"one byte short", test::smallDriverImage().replace(0x0501, test::Bytes(9)),
-         libraryChain({"readFromMem() invalid dataset size:9requested:10"}, 6700)},
+         libraryFailure({"readFromMem() invalid dataset size:9requested:10"}, 6700)},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
