@@ -4,6 +4,7 @@
 #include <scard/detail/OutputFile.h>
 #include <scard/detail/PcscError.h>
 #include <scard/SCardDriverG1.h>
+#include <scard/SCardDriverG2.h>
 
 #include <QDebug>
 
@@ -194,10 +195,11 @@ aux::Error SCardReader::read(FilenameRegion region)
 
 std::shared_ptr<SCardGeneric> SCardReader::generateSpecific(const SCardGeneric& card)
 {
-    const bool secondGeneration = card.is2ndGeneneration();
-    if (card.getCardType() == SCardMeta::DriverCard && !secondGeneration)
-        return std::make_shared<SCardDriverG1>(card);
-    return std::make_shared<SCardGeneric>(card);
+    if (card.getCardType() != SCardMeta::DriverCard)
+        return std::make_shared<SCardGeneric>(card);
+    if (card.is2ndGeneneration())
+        return std::make_shared<SCardDriverG2>(card);
+    return std::make_shared<SCardDriverG1>(card);
 }
 
 } // namespace scard

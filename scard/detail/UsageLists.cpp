@@ -56,6 +56,16 @@ std::vector<SCardDriverG1::_VEHICLE_USAGE_INFO> usedVehiclesG1(const Bytes& ef)
     return vehicles;
 }
 
+std::vector<SCardDriverG2::_VEHICLE_USAGE_INFO_G2> usedVehiclesG2(const Bytes& ef)
+{
+    std::vector<SCardDriverG2::_VEHICLE_USAGE_INFO_G2> vehicles;
+    forEachVehicle<CardVehicleRecord_g2>(
+        ef, [&vehicles](const CardVehicleRecord_g2& record, SCardDriverG1::_VEHICLE_USAGE_INFO usage) {
+            vehicles.push_back({std::move(usage), ia5Text(record.vehicleIdentificationNumber)});
+        });
+    return vehicles;
+}
+
 std::vector<SCardDriverG1::_EVENT> events(const Bytes& ef)
 {
     return incidents<CardEventRecord, SCardDriverG1::_EVENT>(ef, &CardEventRecord::eventType);

@@ -2,6 +2,7 @@
 
 #include <scard/detail/Bytes.h>
 #include <scard/SCardDriverG1.h>
+#include <scard/SCardDriverG2.h>
 
 #include <vector>
 
@@ -11,6 +12,7 @@
 namespace scard::detail {
 
 std::vector<SCardDriverG1::_VEHICLE_USAGE_INFO> usedVehiclesG1(const Bytes& ef);
+std::vector<SCardDriverG2::_VEHICLE_USAGE_INFO_G2> usedVehiclesG2(const Bytes& ef);
 std::vector<SCardDriverG1::_EVENT> events(const Bytes& ef);
 std::vector<SCardDriverG1::_FAULT> faults(const Bytes& ef);
 

@@ -1,6 +1,7 @@
 #include "QtPrinters.h"
 
 #include <scard/SCardDriverG1.h>
+#include <scard/SCardDriverG2.h>
 #include <scard/SCardGeneric.h>
 #include <scard/SCardMeta.h>
 #include <scard/SCardReader.h>
@@ -88,10 +89,13 @@ TEST(MetaTypes, TheCardsSignalsAreThese)
             "progress(int)", "removed()", "cardLanguage(QLocale)", "cardHolderName(QString)",
             "lastCardDownload(QDateTime)"));
     EXPECT_THAT(signalsOf(scard::SCardDriverG1::staticMetaObject), ElementsAre());
+    EXPECT_THAT(signalsOf(scard::SCardDriverG2::staticMetaObject), ElementsAre());
 }
 
 TEST(MetaTypes, ClassesDeriveAsTheirMetaObjectsSay)
 {
+    EXPECT_STREQ(scard::SCardDriverG2::staticMetaObject.className(), "scard::SCardDriverG2");
+    EXPECT_EQ(scard::SCardDriverG2::staticMetaObject.superClass(), &scard::SCardDriverG1::staticMetaObject);
     EXPECT_STREQ(scard::SCardDriverG1::staticMetaObject.className(), "scard::SCardDriverG1");
     EXPECT_EQ(scard::SCardDriverG1::staticMetaObject.superClass(), &scard::SCardGeneric::staticMetaObject);
     EXPECT_EQ(scard::SCardGeneric::staticMetaObject.superClass(), &QObject::staticMetaObject);

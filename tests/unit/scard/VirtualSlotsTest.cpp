@@ -1,16 +1,19 @@
 #include <scard/SCardDriverG1.h>
+#include <scard/SCardDriverG2.h>
 #include <scard/SCardGeneric.h>
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <cstring>
+#include <type_traits>
 
 // Hosts are compiled against the order of the virtual operations.
 
 namespace {
 
 using scard::SCardDriverG1;
+using scard::SCardDriverG2;
 using scard::SCardGeneric;
 
 constexpr std::ptrdiff_t notVirtual = -1;
@@ -83,11 +86,76 @@ TEST(VirtualSlots, TheDriverCardsOperationsFollowTheSteps)
     EXPECT_EQ(slotOf(&SCardDriverG1::buildFaultList), first + 10);
 }
 
+TEST(VirtualSlots, TheSecondGenerationKeepsEverySlotOfTheFirst)
+{
+    EXPECT_EQ(slotOf(&SCardDriverG2::calcDataToRead), slotOf(&SCardDriverG1::calcDataToRead));
+    EXPECT_EQ(slotOf(&SCardDriverG2::read), slotOf(&SCardDriverG1::read));
+    EXPECT_EQ(slotOf(&SCardDriverG2::saveToFile), slotOf(&SCardDriverG1::saveToFile));
+    EXPECT_EQ(slotOf(&SCardDriverG2::postDownloadTasks), slotOf(&SCardDriverG1::postDownloadTasks));
+    EXPECT_EQ(slotOf(&SCardDriverG2::extraTask), slotOf(&SCardDriverG1::extraTask));
+    EXPECT_EQ(slotOf(&SCardDriverG2::getCardIdentification), slotOf(&SCardDriverG1::getCardIdentification));
+    EXPECT_EQ(slotOf(&SCardDriverG2::getLastCardDownload), slotOf(&SCardDriverG1::getLastCardDownload));
+    EXPECT_EQ(slotOf(&SCardDriverG2::getCardHolderName), slotOf(&SCardDriverG1::getCardHolderName));
+    EXPECT_EQ(slotOf(&SCardDriverG2::getActivities), slotOf(&SCardDriverG1::getActivities));
+    EXPECT_EQ(slotOf(&SCardDriverG2::getVehiclesUsed), slotOf(&SCardDriverG1::getVehiclesUsed));
+    EXPECT_EQ(slotOf(&SCardDriverG2::getEvents), slotOf(&SCardDriverG1::getEvents));
+    EXPECT_EQ(slotOf(&SCardDriverG2::getFaults), slotOf(&SCardDriverG1::getFaults));
+    EXPECT_EQ(slotOf(&SCardDriverG2::buildDailyActivityList), slotOf(&SCardDriverG1::buildDailyActivityList));
+    EXPECT_EQ(slotOf(&SCardDriverG2::buildUsedVehiclesList), slotOf(&SCardDriverG1::buildUsedVehiclesList));
+    EXPECT_EQ(slotOf(&SCardDriverG2::buildEventList), slotOf(&SCardDriverG1::buildEventList));
+    EXPECT_EQ(slotOf(&SCardDriverG2::buildFaultList), slotOf(&SCardDriverG1::buildFaultList));
+}
+
+template <typename Class, typename Operation>
+constexpr bool isOf(Operation Class::*)
+{
+    return std::is_same_v<Class, SCardDriverG1>;
+}
+
+TEST(VirtualSlots, TheListGettersOfTheFirstGenerationAreNotOverridden)
+{
+    EXPECT_TRUE(isOf(&SCardDriverG2::getActivities));
+    EXPECT_TRUE(isOf(&SCardDriverG2::getVehiclesUsed));
+    EXPECT_TRUE(isOf(&SCardDriverG2::getEvents));
+    EXPECT_TRUE(isOf(&SCardDriverG2::getFaults));
+}
+
 TEST(VirtualSlots, WhatIsCalledDirectlyHasNoSlot)
 {
     EXPECT_EQ(slotOf(&SCardGeneric::readCardInfo), notVirtual);
     EXPECT_EQ(slotOf(&SCardDriverG1::constructFilename), notVirtual);
     EXPECT_EQ(slotOf(&SCardDriverG1::updateLastCardDownload), notVirtual);
+}
+
+TEST(VirtualSlots, FiguresAndValuesHaveNoSlot)
+{
+    EXPECT_EQ(slotOf(&SCardDriverG1::getDayStatistics), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG1::getDateOfFirstActivity), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG1::getDateOfLastActivity), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG1::getRemainingDrivingTimeOfDay), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG1::getRemainingDrivingTimeOfWeek), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG1::getRemainingExtendedDrivingTimeOfWeek), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG1::getRemainingReducedRestTimeOfWeek), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG1::getTimeToNextBreak), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG1::getPlaces), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG1::getSpecificConditions), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG1::getCurrentUse), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG1::getControlActivity), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG1::getDrivingLicence), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG2::getActivitiesG2), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG2::getVehiclesUsedG2), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG2::getEventsG2), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG2::getFaultsG2), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG2::getPlacesG2), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG2::getSpecificConditionsG2), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG2::getCurrentUseG2), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG2::getControlActivityG2), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG2::getDrivingLicenceG2), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG2::getVehicleUnits), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG2::getGnssPlaces), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG2::getBorderCrossings), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG2::getLoadUnloadOperations), notVirtual);
+    EXPECT_EQ(slotOf(&SCardDriverG2::getLoadTypeEntries), notVirtual);
 }
 
 } // namespace

@@ -1,0 +1,275 @@
+#include <scard/SCardDriverG2.h>
+
+#include <scard/detail/CardApplication.h>
+#include <scard/detail/DayList.h>
+#include <scard/detail/DriverG2Table.h>
+#include <scard/detail/DriverValues.h>
+#include <scard/detail/ErrorBuilder.h>
+#include <scard/detail/Fid.h>
+#include <scard/detail/HolderName.h>
+#include <scard/detail/RecordFields.h>
+#include <scard/detail/SortByTime.h>
+#include <scard/detail/UsageLists.h>
+
+#include <QDebug>
+
+#include <utility>
+
+namespace scard {
+
+using detail::ledByStep;
+using detail::OnCards;
+
+struct SCardDriverG2::Private
+{
+    detail::CardApplication application{detail::driverG2Table()};
+    detail::DayList days;
+    std::vector<_VEHICLE_USAGE_INFO_G2> vehicles;
+    std::vector<_EVENT> events;
+    std::vector<_FAULT> faults;
+
+    void clear()
+    {
+        application.clear();
+        days.clear();
+        vehicles.clear();
+        events.clear();
+        faults.clear();
+    }
+
+    /// Keeps an identification EF, whose counts the total needs. A failure goes to the debug stream, too.
+    template <typename Record>
+    aux::Error keepCounts(SCardGeneric& card, unsigned short fid, const QString& failureText)
+    {
+        try {
+            application.keep(fid, detail::bytesOf(card.readFrom<Record>(fid, 0, false)));
+            return {};
+        } catch (const aux::Error& failure) {
+            qDebug().noquote() << failureText << failure;
+            return ledByStep(failureText, failure);
+        }
+    }
+};
+
+SCardDriverG2::SCardDriverG2() : d(std::make_unique<Private>()) {}
+
+SCardDriverG2::SCardDriverG2(const SCardGeneric& card) : SCardDriverG1(card), d(std::make_unique<Private>())
+{}
+
+SCardDriverG2::~SCardDriverG2() = default;
+
+aux::Error SCardDriverG2::calcDataToRead()
+{
+    aux::Error failure = SCardDriverG1::calcDataToRead();
+    if (!failure.isEmpty())
+        return ledByStep(
+            QStringLiteral("calcDataToRead() failed to call SCardDriverG1::calcDataToRead()"), failure);
+
+    const QString identificationText =
+        QStringLiteral("calcDataToRead(): Error reading SCardDriver G2 EF_Application_Identification:");
+    failure = ScSelectFile(detail::driverG2Table().applicationName);
+    if (!failure.isEmpty()) { // the counts would be those of the other application
+        qDebug().noquote() << identificationText << failure;
+        return ledByStep(identificationText, std::move(failure));
+    }
+    failure = d->keepCounts<DriverCardApplicationIdentification_g2>(
+        *this, detail::fidApplicationIdentification, identificationText);
+    if (!failure.isEmpty())
+        return failure;
+    addDataToRead(d->application.dataToRead(*this, OnCards::All));
+
+    if (!is2_2Generation())
+        return {};
+    failure = d->keepCounts<DriverCardApplicationIdentification_g2_2>(
+        *this, detail::fidApplicationIdentificationV2,
+        QStringLiteral("calcDataToRead(): Error reading SCardDriver G2 EF_Application_Identification_V2:"));
+    if (!failure.isEmpty())
+        return failure;
+    addDataToRead(d->application.dataToRead(*this, OnCards::Version2_2));
+    return {};
+}
+
+aux::Error SCardDriverG2::read()
+{
+    addBytesRead(sizeof(CardIccIdentification) + sizeof(CardIcIdentification)); // by the identification
+
+    // Whatever becomes of the first application: the second holds all of it and more.
+    const aux::Error firstFailure = SCardDriverG1::read();
+    if (!firstFailure.isEmpty())
+        qDebug().noquote() << "read() first application failed:" << firstFailure;
+
+    setDataValid(false);
+    d->clear();
+    d->application.keep(detail::fidIcc, detail::bytesOf(iccIdentification()));
+    d->application.keep(detail::fidIc, detail::bytesOf(icIdentification()));
+    aux::Error failure = d->application.select(*this);
+    if (!failure.isEmpty())
+        return failure;
+    failure = d->application.read(*this, !hasCard(), [](unsigned short) {});
+    if (!failure.isEmpty())
+        return failure;
+
+    buildDailyActivityList();
+    buildUsedVehiclesList();
+    buildEventList();
+    buildFaultList();
+    setDataValid(true);
+    return {};
+}
+
+aux::Error SCardDriverG2::saveToFile(QFile& file)
+{
+    aux::Error failure = whyNotSaved(file, "Save failed g2: ", hasCardInfo());
+    if (!failure.isEmpty())
+        return failure;
+
+    // As far as the first application was read, its records come first.
+    file.unsetError();
+    aux::Error firstFailure = SCardDriverG1::saveToFile(file);
+    const bool recordTorn = !firstFailure.isEmpty() && file.error() != QFileDevice::NoError;
+    if (!firstFailure.isEmpty())
+        qDebug().noquote() << "saveToFile() first application failed:" << firstFailure;
+
+    failure = d->application.save(*this, file);
+    if (!failure.isEmpty())
+        return ledByStep(QStringLiteral("saveToFile() Failed"), std::move(failure));
+    // Behind a record that is not whole nobody finds the others, and the card must not be stamped for it.
+    return recordTorn ? firstFailure : aux::Error();
+}
+
+aux::Error SCardDriverG2::postDownloadTasks()
+{
+    if (hasImageOnly())
+        return {};
+    aux::Error failure = SCardDriverG1::postDownloadTasks();
+    if (!failure.isEmpty())
+        return failure;
+    failure = d->application.select(*this);
+    if (!failure.isEmpty())
+        return failure;
+    return updateLastCardDownload();
+}
+
+DriverCard_EF_Identification SCardDriverG2::getCardIdentification()
+{
+    if (!d->application.has(detail::fidIdentification))
+        return SCardDriverG1::getCardIdentification();
+    return d->application.record<DriverCard_EF_Identification>(detail::fidIdentification);
+}
+
+QDateTime SCardDriverG2::getLastCardDownload()
+{
+    if (!d->application.has(detail::fidCardDownload))
+        return SCardDriverG1::getLastCardDownload();
+    return detail::localTime(d->application.record<TimeReal>(detail::fidCardDownload));
+}
+
+QString SCardDriverG2::getCardHolderName()
+{
+    return detail::holderName(SCardDriverG2::getCardIdentification());
+}
+
+aux::Error SCardDriverG2::buildDailyActivityList()
+{
+    const auto identification =
+        d->application.record<DriverCardApplicationIdentification_g2>(detail::fidApplicationIdentification);
+    aux::Error failure = d->days.build(
+        d->application.bytes(detail::fidDriverActivityData), identification.activityStructureLength.value());
+    d->days.sort();
+    return failure;
+}
+
+void SCardDriverG2::buildUsedVehiclesList()
+{
+    d->vehicles = detail::usedVehiclesG2(d->application.bytes(detail::fidVehiclesUsed));
+    detail::sortByTime<_VEHICLE_USAGE_INFO_G2>(d->vehicles, &_VEHICLE_USAGE_INFO_G2::firstUse);
+}
+
+void SCardDriverG2::buildEventList()
+{
+    d->events = detail::events(d->application.bytes(detail::fidEventsData));
+    detail::sortByTime(d->events, &_EVENT::begin);
+}
+
+void SCardDriverG2::buildFaultList()
+{
+    d->faults = detail::faults(d->application.bytes(detail::fidFaultsData));
+    detail::sortByTime(d->faults, &_FAULT::begin);
+}
+
+std::vector<SCardDriverG1::_DAILY_ACTIVITIES> SCardDriverG2::getActivitiesG2() const
+{
+    return d->days.days();
+}
+
+std::vector<SCardDriverG2::_VEHICLE_USAGE_INFO_G2> SCardDriverG2::getVehiclesUsedG2() const
+{
+    return d->vehicles;
+}
+
+std::vector<SCardDriverG1::_EVENT> SCardDriverG2::getEventsG2() const
+{
+    return d->events;
+}
+
+std::vector<SCardDriverG1::_FAULT> SCardDriverG2::getFaultsG2() const
+{
+    return d->faults;
+}
+
+std::vector<Place> SCardDriverG2::getPlacesG2() const
+{
+    return detail::placesG2(
+        d->application.bytes(detail::fidPlaces), d->application.bytes(detail::fidPlacesAuthentication));
+}
+
+std::vector<SpecificCondition> SCardDriverG2::getSpecificConditionsG2() const
+{
+    return detail::specificConditionsG2(d->application.bytes(detail::fidSpecificConditions));
+}
+
+CurrentUse SCardDriverG2::getCurrentUseG2() const
+{
+    return detail::currentUse(d->application.record<CardCurrentUse>(detail::fidCurrentUsage));
+}
+
+ControlActivity SCardDriverG2::getControlActivityG2() const
+{
+    return detail::controlActivity(
+        d->application.record<CardControlActivityDataRecord>(detail::fidControlActivityData));
+}
+
+DrivingLicence SCardDriverG2::getDrivingLicenceG2() const
+{
+    return detail::drivingLicence(
+        d->application.record<CardDrivingLicenceInformation>(detail::fidDrivingLicenceInfo));
+}
+
+std::vector<VehicleUnit> SCardDriverG2::getVehicleUnits() const
+{
+    return detail::vehicleUnits(d->application.bytes(detail::fidVehicleUnitsUsed));
+}
+
+std::vector<GnssPlace> SCardDriverG2::getGnssPlaces() const
+{
+    return detail::gnssPlaces(
+        d->application.bytes(detail::fidGnssPlaces),
+        d->application.bytes(detail::fidGnssPlacesAuthentication));
+}
+
+std::vector<BorderCrossing> SCardDriverG2::getBorderCrossings() const
+{
+    return detail::borderCrossings(d->application.bytes(detail::fidBorderCrossings));
+}
+
+std::vector<LoadUnloadOperation> SCardDriverG2::getLoadUnloadOperations() const
+{
+    return detail::loadUnloadOperations(d->application.bytes(detail::fidLoadUnloadOperations));
+}
+
+std::vector<LoadTypeEntry> SCardDriverG2::getLoadTypeEntries() const
+{
+    return detail::loadTypeEntries(d->application.bytes(detail::fidLoadTypeEntries));
+}
+
+} // namespace scard
