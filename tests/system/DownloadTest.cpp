@@ -19,7 +19,18 @@ using testing::ElementsAreArray;
 using testing::Eq;
 using testing::IsEmpty;
 
-using SystemDownloadTest = CardBehindPcscd;
+class SystemDownloadTest : public CardBehindPcscd
+{
+  protected:
+    /// What the card has got; after takeOut().
+    std::vector<std::string> sent()
+    {
+        std::vector<std::string> commands;
+        for (const sim::Exchange& exchange : card().log())
+            commands.push_back(sim::toHex(exchange.command));
+        return commands;
+    }
+};
 
 sim::Bytes bytes(const QByteArray& image)
 {
@@ -41,15 +52,45 @@ TEST_F(SystemDownloadTest, SendsTheSameCommandsAsInProcess)
     insert(driverCard());
     EXPECT_THAT(chain(download().failure), IsEmpty());
     takeOut();
-    std::vector<std::string> expected;
-    for (const Step& step : expectedSteps())
-        expected.push_back(step.command);
-    std::vector<std::string> sent;
-    for (const sim::Exchange& exchange : card().log())
-        sent.push_back(sim::toHex(exchange.command));
-    ASSERT_FALSE(sent.empty());
-    sent.back().resize(expected.back().size()); // without the time that is written
-    EXPECT_THAT(sent, ElementsAreArray(expected));
+    EXPECT_THAT(withoutStampTimes(sent()), ElementsAreArray(commandsOf(expectedSteps())));
+}
+
+TEST_F(SystemDownloadTest, ASecondGenerationCardGivesTheSameBytesAsInProcess)
+{
+    insert(driverCardG2());
+    const Download result = download();
+    EXPECT_THAT(chain(result.failure), IsEmpty());
+    EXPECT_EQ(bytes(result.image), expectedImageG2(driverCardG2()));
+    EXPECT_THAT(result.progress, ElementsAreArray(expectedProgress(expectedStepsG2({}), 64760, 33)));
+    EXPECT_EQ(result.removed, 0);
+}
+
+TEST_F(SystemDownloadTest, ACardOfVersion22GivesTheSameBytesByTheSameCommandsAndIsStampedTwice)
+{
+    insert(driverCardV2());
+    const qint64 before = QDateTime::currentSecsSinceEpoch();
+    const Download result = download();
+    EXPECT_THAT(chain(result.failure), IsEmpty());
+    EXPECT_EQ(bytes(result.image), expectedImageG2(driverCardV2()));
+    CountsG2 counts;
+    counts.version2 = true;
+    const std::vector<Step> steps = expectedStepsG2(counts);
+    EXPECT_THAT(result.progress, ElementsAreArray(expectedProgress(steps, 120220, 33)));
+    takeOut();
+    EXPECT_THAT(withoutStampTimes(sent()), ElementsAreArray(commandsOf(steps)));
+    EXPECT_GE(sim::readU32(*card().file(sim::AidG1, 0x050E), 0), before);
+    EXPECT_GE(sim::readU32(*card().file(sim::AidG2, 0x050E), 0), before);
+}
+
+TEST_F(SystemDownloadTest, ADamagedFirstApplicationDoesNotStopTheSecond)
+{
+    insert(driverCardG2());
+    card().failAt(30, sim::Fault::status(sim::sw::IntegrityError));
+    const std::vector<Step> steps = expectedStepsG2({});
+    ASSERT_EQ(steps.at(30).generation, 1u);
+    const Download result = download();
+    EXPECT_THAT(chain(result.failure), IsEmpty());
+    EXPECT_EQ(bytes(result.image), expectedImageG2(driverCardG2(), steps.at(30).fid));
 }
 
 TEST_F(SystemDownloadTest, StampsTheCard)
