@@ -1,53 +1,18 @@
 #include "DownloadCommand.h"
 
+#include "Console.h"
+
 #include <scard/SCardReader.h>
 
 #include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QMetaEnum>
-#include <QTextStream>
 #include <QThread>
 
 #include <chrono>
-#include <cstdio>
 
 namespace {
-
-QTextStream& out()
-{
-    static QTextStream stream(stdout);
-    return stream;
-}
-
-QTextStream& err()
-{
-    static QTextStream stream(stderr);
-    return stream;
-}
-
-/// What a card holds, without what would steer the terminal.
-QString printable(QString text)
-{
-    for (QChar& letter : text) {
-        if (!letter.isPrint())
-            letter = QLatin1Char('?');
-    }
-    return text;
-}
-
-/// Prints a failure entry by entry, the cause first.
-void printFailure(const aux::Error& failure)
-{
-    err() << "The card could not be downloaded:\n";
-    for (const aux::ErrorData& entry : failure) {
-        err() << "  " << entry.getSource() << ": " << entry.getMessage();
-        if (entry.getId() != 0)
-            err() << " [" << QString::number(entry.getId(), 16).toUpper() << ']';
-        err() << '\n';
-    }
-    err().flush();
-}
 
 void printWhatArrives(const scard::SCardReader& reader)
 {
@@ -117,7 +82,7 @@ int downloadCard(scard::FilenameRegion region, int waitSeconds)
     reader.uninit();
 
     if (!failure.isEmpty()) {
-        printFailure(failure);
+        printFailure(QStringLiteral("The card could not be downloaded"), failure);
         return 1;
     }
     const QFileInfo file(path);

@@ -1,12 +1,11 @@
+#include "Console.h"
 #include "DownloadCommand.h"
+#include "ShowCommand.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QLoggingCategory>
 #include <QMap>
-#include <QTextStream>
-
-#include <cstdio>
 
 namespace {
 
@@ -14,7 +13,7 @@ constexpr int exitUsage = 2;
 
 int usageError(const QString& message)
 {
-    QTextStream(stderr) << message << "\nSee: scard --help\n";
+    err() << message << "\nSee: scard --help" << Qt::endl;
     return exitUsage;
 }
 
@@ -28,21 +27,26 @@ int main(int argc, char* argv[])
 
     QCommandLineParser parser;
     parser.setApplicationDescription(
-        QStringLiteral("Downloads a digital tachograph card.\n\n"
-                       "  scard download   the card in the first reader, into a file under /tmp/"));
+        QStringLiteral("Downloads a digital tachograph card, and shows what a download holds.\n\n"
+                       "  scard download    the card in the first reader, into a file under /tmp/\n"
+                       "  scard show FILE   whose card it is, and the driver's last days"));
     const QCommandLineOption helpOption = parser.addHelpOption();
     const QCommandLineOption versionOption = parser.addVersionOption();
-    parser.addPositionalArgument(QStringLiteral("command"), QStringLiteral("download"));
+    parser.addPositionalArgument(QStringLiteral("command"), QStringLiteral("download or show FILE"));
     const QCommandLineOption regionOption(
         QStringLiteral("region"), QStringLiteral("Naming of the file: ddd, c1b or tgd."),
         QStringLiteral("ddd|c1b|tgd"), QStringLiteral("ddd"));
     const QCommandLineOption waitOption(
         QStringLiteral("wait"), QStringLiteral("Wait so many seconds for a card to be put in."),
         QStringLiteral("seconds"), QStringLiteral("0"));
+    const QCommandLineOption daysOption(
+        QStringLiteral("days"), QStringLiteral("Show so many days."), QStringLiteral("number"),
+        QStringLiteral("7"));
     const QCommandLineOption verboseOption(
         QStringLiteral("verbose"), QStringLiteral("Show what the library does, on standard error."));
     parser.addOption(regionOption);
     parser.addOption(waitOption);
+    parser.addOption(daysOption);
     parser.addOption(verboseOption);
     if (!parser.parse(QCoreApplication::arguments()))
         return usageError(QStringLiteral("scard: ") + parser.errorText());
@@ -52,11 +56,22 @@ int main(int argc, char* argv[])
         parser.showHelp();
 
     const QStringList arguments = parser.positionalArguments();
+    if (arguments.isEmpty())
+        return usageError(QStringLiteral("scard: no command given."));
+    if (!parser.isSet(verboseOption))
+        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+
+    if (arguments.front() == QLatin1String("show") && arguments.size() == 2) {
+        bool daysIsNumber = false;
+        const int days = parser.value(daysOption).toInt(&daysIsNumber);
+        if (!daysIsNumber || days < 1)
+            return usageError(
+                QStringLiteral("scard: \"%1\" is no number of days.").arg(parser.value(daysOption)));
+        return showDownload(arguments.back(), days);
+    }
     if (arguments != QStringList{QStringLiteral("download")})
         return usageError(
-            arguments.isEmpty()
-                ? QStringLiteral("scard: no command given.")
-                : QStringLiteral("scard: unknown command \"%1\".").arg(arguments.join(QLatin1Char(' '))));
+            QStringLiteral("scard: unknown command \"%1\".").arg(arguments.join(QLatin1Char(' '))));
 
     const QMap<QString, scard::FilenameRegion> regions{
         {QStringLiteral("ddd"), scard::RegionDDD},
@@ -73,7 +88,5 @@ int main(int argc, char* argv[])
         return usageError(
             QStringLiteral("scard: \"%1\" is no number of seconds.").arg(parser.value(waitOption)));
 
-    if (!parser.isSet(verboseOption))
-        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
     return downloadCard(regions.value(region), waitSeconds);
 }

@@ -1,6 +1,7 @@
 #!/bin/sh
-# Builds the library, puts a simulated driver card into a virtual reader behind a pcscd of its own, downloads it
-# with `scard download`, and shows the file and its records. The file stays under /tmp/; nothing else does.
+# Builds the library, puts a simulated driver card of version 2.2 into a virtual reader behind a pcscd of its own,
+# downloads it with `scard download`, and shows the file, its records and the driver's last days. The file stays
+# under /tmp/; nothing else does.
 set -eu
 cd "$(dirname "$0")/.."
 scripts/install-packages.sh
@@ -14,7 +15,7 @@ trap 'rm -f "$log"' EXIT
 scripts/with-virtual-reader.sh sh -euc '
     card=build/release/simulator/scard-simcard
     echo "== Putting a simulated driver card into the virtual reader"
-    $card --surname Mustermann --first-names Jana --nation 0D --days 60 &
+    $card --kind driver-g2v2 --surname Mustermann --first-names Jana --nation 0D --days 60 &
     cardPid=$!
     trap "kill $cardPid 2>/dev/null || true" EXIT
     echo "== scard download"
@@ -25,4 +26,6 @@ scripts/with-virtual-reader.sh sh -euc '
     ls -l "$file"
     echo "== Its records"
     scripts/list-records.sh "$file"
+    echo "== The last days"
+    build/release/cli/scard show --days 10 "$file"
 '

@@ -2,13 +2,17 @@
 #include "CardBehindPcscd.h"
 
 #include <pcsc/ExpectedDownload.h>
+#include <scard/SCardDriverG1.h>
 #include <support/PcscPresence.h>
 
+#include <QFile>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QRegularExpression>
 
 #include <gmock/gmock.h>
+
+#include <cstdio>
 
 namespace {
 
@@ -151,6 +155,26 @@ TEST_F(HostProgramTest, TheHostOfTheReadmeDownloadsACard)
         testing::AllOf(HasSubstr("Jana, Mustermann"), HasSubstr("J_Mustermann_DF000000123456.DDD")));
 }
 
+TEST_F(HostProgramTest, TheSecondHostOfTheReadmeShowsADownload)
+{
+    insert(janasCard());
+    const Download result = download();
+    QProcess process;
+    process.start(README_SHOW, {result.path});
+    ASSERT_TRUE(process.waitForFinished(60000));
+    EXPECT_EQ(process.exitCode(), 0);
+    EXPECT_THAT(
+        process.readAllStandardError().toStdString(),
+        testing::AllOf(
+            HasSubstr("Jana, Mustermann"), HasSubstr("2024-03-05"), HasSubstr("minutes of driving")));
+    QFile::remove(result.path);
+
+    process.start(README_SHOW, {"/tmp/nowhere"});
+    ASSERT_TRUE(process.waitForFinished(60000));
+    EXPECT_EQ(process.exitCode(), 1);
+    EXPECT_THAT(process.readAllStandardError().toStdString(), HasSubstr("no driver card's download"));
+}
+
 TEST_F(HostProgramTest, SaysThatThereIsNoService)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -183,12 +207,88 @@ TEST_F(HostProgramTest, RefusesWhatItDoesNotKnow)
         {{"download", "--wait", "soon"}, "scard: \"soon\" is no number of seconds."},
         {{"download", "--colour"}, "scard: Unknown option 'colour'."},
         {{"download", "--wait", "-1"}, "scard: \"-1\" is no number of seconds."},
+        {{"show"}, "scard: unknown command \"show\"."},
+        {{"show", "one", "two"}, "scard: unknown command \"show one two\"."},
+        {{"show", "one", "--days", "0"}, "scard: \"0\" is no number of days."},
+        {{"show", "one", "--days", "all"}, "scard: \"all\" is no number of days."},
     };
     for (const auto& row : rows) {
         const Outcome outcome = scardProgram(row.arguments);
         EXPECT_EQ(outcome.exitCode, 2);
         EXPECT_EQ(outcome.err, std::string(row.message) + "\nSee: scard --help\n");
     }
+}
+
+TEST_F(HostProgramTest, ShowsTheLastDaysOfADownload)
+{
+    sim::DriverParametersG2 parameters;
+    parameters.version2 = true;
+    parameters.first.surname = "Mustermann";
+    parameters.first.firstNames = "Jana";
+    insert(sim::makeDriverCardG2(parameters));
+    const Download result = download();
+    ASSERT_THAT(chain(result.failure), testing::IsEmpty());
+    const auto driver = std::dynamic_pointer_cast<scard::SCardDriverG1>(result.card);
+    ASSERT_TRUE(driver);
+
+    const Outcome outcome = scardProgram({"show", "--days", "3", result.path});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+    EXPECT_EQ(outcome.err, "");
+    std::string expected = "Card: DriverCard, second generation, version 2.2\n"
+                           "Holder: Jana, Mustermann\n"
+                           "Downloaded before (local time): " +
+                           driver->getLastCardDownload().toString("yyyy-MM-dd hh:mm").toStdString() + '\n';
+    const auto days = driver->getActivities();
+    expected += "Days (UTC): " + std::to_string(days.size()) + ", the last 3:\n" +
+                "              driving     work     rest  available  unknown\n";
+    for (std::size_t i = days.size() - 3; i < days.size(); ++i) {
+        char line[80];
+        const auto& day = days[i];
+        std::snprintf(
+            line, sizeof line, "  %s  %4d:%02d  %4d:%02d  %4d:%02d  %6d:%02d  %4d:%02d\n",
+            day.date.toUTC().toString("yyyy-MM-dd").toStdString().c_str(), day.driving / 60, day.driving % 60,
+            day.work / 60, day.work % 60, day.rest / 60, day.rest % 60, day.availability / 60,
+            day.availability % 60, day.unknown / 60, day.unknown % 60);
+        expected += line;
+    }
+    EXPECT_EQ(outcome.out, expected);
+    QFile::remove(result.path);
+}
+
+TEST_F(HostProgramTest, ShowsOfADamagedDownloadWhatThereIs)
+{
+    insert(driverCardG2());
+    const Download result = download();
+    QFile file(result.path);
+    ASSERT_TRUE(file.resize(60000)); // inside the second application's positions
+    EXPECT_EQ(scardProgram({"show", result.path}).exitCode, 0);
+    ASSERT_TRUE(file.resize(30000)); // inside its events
+    const Outcome outcome = scardProgram({"show", result.path});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.out, HasSubstr("Days (UTC): "));
+    EXPECT_EQ(
+        outcome.err, "scard: " + result.path.toStdString() +
+                         " could not be read to its end, EF_EventsData is missing or short:\n"
+                         "  libscard: memSelectFile(): Dataset not found\n"
+                         "  libscard: readFromMem() memSelectFile() Failed: ID 502\n");
+    QFile::remove(result.path);
+}
+
+TEST_F(HostProgramTest, SaysWhyAFileCannotBeShown)
+{
+    Outcome outcome = scardProgram({"show", "/tmp/nowhere.DDD"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.err, "scard: /tmp/nowhere.DDD: No such file or directory\n");
+
+    outcome = scardProgram({"show", SCARD_PROGRAM});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.err, HasSubstr(" is no download of a tachograph card:\n  libscard: "));
+
+    insert(sim::makeControlCardG1());
+    const Download result = download();
+    outcome = scardProgram({"show", result.path});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.err, HasSubstr(" is no download of a tachograph card:\n  libscard: "));
 }
 
 TEST_F(HostProgramTest, ExplainsItself)
