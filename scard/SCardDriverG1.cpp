@@ -1,18 +1,15 @@
 #include <scard/SCardDriverG1.h>
 
 #include <aux/CountryCodes.h>
-#include <scard/detail/CardApplication.h>
-#include <scard/detail/DayList.h>
+#include <scard/detail/DriverData.h>
 #include <scard/detail/DriverFileName.h>
 #include <scard/detail/DriverG1Table.h>
-#include <scard/detail/DriverValues.h>
 #include <scard/detail/DrivingTime.h>
 #include <scard/detail/ErrorBuilder.h>
 #include <scard/detail/Fid.h>
 #include <scard/detail/HolderName.h>
 #include <scard/detail/RecordFields.h>
 #include <scard/detail/SortByTime.h>
-#include <scard/detail/UsageLists.h>
 
 #include <QDebug>
 
@@ -24,21 +21,9 @@ using detail::ledByStep;
 using detail::libraryError;
 
 struct SCardDriverG1::Private
+    : detail::DriverData<DriverCardApplicationIdentification_g1, SCardDriverG1::_VEHICLE_USAGE_INFO>
 {
-    detail::CardApplication application{detail::driverG1Table()};
-    detail::DayList days;
-    std::vector<_VEHICLE_USAGE_INFO> vehicles;
-    std::vector<_EVENT> events;
-    std::vector<_FAULT> faults;
-
-    void clear()
-    {
-        application.clear();
-        days.clear();
-        vehicles.clear();
-        events.clear();
-        faults.clear();
-    }
+    Private() : DriverData(detail::driverG1Table()) {}
 };
 
 SCardDriverG1::SCardDriverG1() : SCardDriverG1(SCardGeneric(0L, QDateTime(), RegionDDD)) {}
@@ -74,9 +59,7 @@ aux::Error SCardDriverG1::calcDataToRead()
 aux::Error SCardDriverG1::read()
 {
     setDataValid(false);
-    d->clear();
-    d->application.keep(detail::fidIcc, detail::bytesOf(iccIdentification()));
-    d->application.keep(detail::fidIc, detail::bytesOf(icIdentification()));
+    d->restart(iccIdentification(), icIdentification());
 
     aux::Error failure = d->application.select(*this);
     if (!failure.isEmpty())
@@ -160,10 +143,7 @@ std::vector<SCardDriverG1::_FAULT> SCardDriverG1::getFaults()
 
 aux::Error SCardDriverG1::buildDailyActivityList()
 {
-    const auto identification =
-        d->application.record<DriverCardApplicationIdentification_g1>(detail::fidApplicationIdentification);
-    return d->days.build(
-        d->application.bytes(detail::fidDriverActivityData), identification.activityStructureLength.value());
+    return d->buildDays();
 }
 
 void SCardDriverG1::buildUsedVehiclesList()
@@ -173,12 +153,12 @@ void SCardDriverG1::buildUsedVehiclesList()
 
 void SCardDriverG1::buildEventList()
 {
-    d->events = detail::events(d->application.bytes(detail::fidEventsData));
+    d->buildEvents();
 }
 
 void SCardDriverG1::buildFaultList()
 {
-    d->faults = detail::faults(d->application.bytes(detail::fidFaultsData));
+    d->buildFaults();
 }
 
 bool SCardDriverG1::getDayStatistics(
@@ -244,19 +224,17 @@ std::vector<SpecificCondition> SCardDriverG1::getSpecificConditions() const
 
 CurrentUse SCardDriverG1::getCurrentUse() const
 {
-    return detail::currentUse(d->application.record<CardCurrentUse>(detail::fidCurrentUsage));
+    return d->currentUse();
 }
 
 ControlActivity SCardDriverG1::getControlActivity() const
 {
-    return detail::controlActivity(
-        d->application.record<CardControlActivityDataRecord>(detail::fidControlActivityData));
+    return d->controlActivity();
 }
 
 DrivingLicence SCardDriverG1::getDrivingLicence() const
 {
-    return detail::drivingLicence(
-        d->application.record<CardDrivingLicenceInformation>(detail::fidDrivingLicenceInfo));
+    return d->drivingLicence();
 }
 
 void SCardDriverG1::constructFilename()

@@ -1,15 +1,12 @@
 #include <scard/SCardDriverG2.h>
 
-#include <scard/detail/CardApplication.h>
-#include <scard/detail/DayList.h>
+#include <scard/detail/DriverData.h>
 #include <scard/detail/DriverG2Table.h>
-#include <scard/detail/DriverValues.h>
 #include <scard/detail/ErrorBuilder.h>
 #include <scard/detail/Fid.h>
 #include <scard/detail/HolderName.h>
 #include <scard/detail/RecordFields.h>
 #include <scard/detail/SortByTime.h>
-#include <scard/detail/UsageLists.h>
 
 #include <QDebug>
 
@@ -21,21 +18,9 @@ using detail::ledByStep;
 using detail::OnCards;
 
 struct SCardDriverG2::Private
+    : detail::DriverData<DriverCardApplicationIdentification_g2, SCardDriverG2::_VEHICLE_USAGE_INFO_G2>
 {
-    detail::CardApplication application{detail::driverG2Table()};
-    detail::DayList days;
-    std::vector<_VEHICLE_USAGE_INFO_G2> vehicles;
-    std::vector<_EVENT> events;
-    std::vector<_FAULT> faults;
-
-    void clear()
-    {
-        application.clear();
-        days.clear();
-        vehicles.clear();
-        events.clear();
-        faults.clear();
-    }
+    Private() : DriverData(detail::driverG2Table()) {}
 
     /// Keeps an identification EF, whose counts the total needs. A failure goes to the debug stream, too.
     template <typename Record>
@@ -99,9 +84,7 @@ aux::Error SCardDriverG2::read()
         qDebug().noquote() << "read() first application failed:" << firstFailure;
 
     setDataValid(false);
-    d->clear();
-    d->application.keep(detail::fidIcc, detail::bytesOf(iccIdentification()));
-    d->application.keep(detail::fidIc, detail::bytesOf(icIdentification()));
+    d->restart(iccIdentification(), icIdentification());
     aux::Error failure = d->application.select(*this);
     if (!failure.isEmpty())
         return failure;
@@ -171,10 +154,7 @@ QString SCardDriverG2::getCardHolderName()
 
 aux::Error SCardDriverG2::buildDailyActivityList()
 {
-    const auto identification =
-        d->application.record<DriverCardApplicationIdentification_g2>(detail::fidApplicationIdentification);
-    aux::Error failure = d->days.build(
-        d->application.bytes(detail::fidDriverActivityData), identification.activityStructureLength.value());
+    aux::Error failure = d->buildDays();
     d->days.sort();
     return failure;
 }
@@ -187,13 +167,13 @@ void SCardDriverG2::buildUsedVehiclesList()
 
 void SCardDriverG2::buildEventList()
 {
-    d->events = detail::events(d->application.bytes(detail::fidEventsData));
+    d->buildEvents();
     detail::sortByTime(d->events, &_EVENT::begin);
 }
 
 void SCardDriverG2::buildFaultList()
 {
-    d->faults = detail::faults(d->application.bytes(detail::fidFaultsData));
+    d->buildFaults();
     detail::sortByTime(d->faults, &_FAULT::begin);
 }
 
@@ -230,19 +210,17 @@ std::vector<SpecificCondition> SCardDriverG2::getSpecificConditionsG2() const
 
 CurrentUse SCardDriverG2::getCurrentUseG2() const
 {
-    return detail::currentUse(d->application.record<CardCurrentUse>(detail::fidCurrentUsage));
+    return d->currentUse();
 }
 
 ControlActivity SCardDriverG2::getControlActivityG2() const
 {
-    return detail::controlActivity(
-        d->application.record<CardControlActivityDataRecord>(detail::fidControlActivityData));
+    return d->controlActivity();
 }
 
 DrivingLicence SCardDriverG2::getDrivingLicenceG2() const
 {
-    return detail::drivingLicence(
-        d->application.record<CardDrivingLicenceInformation>(detail::fidDrivingLicenceInfo));
+    return d->drivingLicence();
 }
 
 std::vector<VehicleUnit> SCardDriverG2::getVehicleUnits() const

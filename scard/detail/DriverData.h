@@ -1,0 +1,69 @@
+#pragma once
+
+#include <scard/detail/CardApplication.h>
+#include <scard/detail/DayList.h>
+#include <scard/detail/DriverValues.h>
+#include <scard/detail/Fid.h>
+#include <scard/detail/UsageLists.h>
+#include <scard/records/DriverCard.h>
+#include <scard/records/Identification.h>
+#include <scard/SCardDriverG1.h>
+
+#include <vector>
+
+namespace scard::detail {
+
+/// What one application of a driver card holds, and the lists that are made of it. @p Identification is the
+/// record of its EF_Application_Identification, @p Vehicle an item of its list of vehicles.
+template <typename Identification, typename Vehicle>
+struct DriverData
+{
+    explicit DriverData(const EfTable& table) : application(table) {}
+
+    /// Forgets all but the two EFs that the card's identification has read.
+    void restart(const CardIccIdentification& icc, const CardIcIdentification& ic)
+    {
+        application.clear();
+        application.keep(fidIcc, bytesOf(icc));
+        application.keep(fidIc, bytesOf(ic));
+        days.clear();
+        vehicles.clear();
+        events.clear();
+        faults.clear();
+    }
+
+    aux::Error buildDays()
+    {
+        const auto identification = application.record<Identification>(fidApplicationIdentification);
+        return days.build(
+            application.bytes(fidDriverActivityData), identification.activityStructureLength.value());
+    }
+
+    void buildEvents() { events = detail::events(application.bytes(fidEventsData)); }
+    void buildFaults() { faults = detail::faults(application.bytes(fidFaultsData)); }
+
+    CurrentUse currentUse() const
+    {
+        return detail::currentUse(application.record<CardCurrentUse>(fidCurrentUsage));
+    }
+
+    ControlActivity controlActivity() const
+    {
+        return detail::controlActivity(
+            application.record<CardControlActivityDataRecord>(fidControlActivityData));
+    }
+
+    DrivingLicence drivingLicence() const
+    {
+        return detail::drivingLicence(
+            application.record<CardDrivingLicenceInformation>(fidDrivingLicenceInfo));
+    }
+
+    CardApplication application;
+    DayList days;
+    std::vector<Vehicle> vehicles;
+    std::vector<SCardDriverG1::_EVENT> events;
+    std::vector<SCardDriverG1::_FAULT> faults;
+};
+
+} // namespace scard::detail
