@@ -50,7 +50,7 @@ struct SpecificCondition
 /// A vehicle unit that the card was in.
 struct VehicleUnit
 {
-    QDateTime time;           ///< when it was first put in
+    QDateTime time;           ///< first insertion of the period of use
     int manufacturerCode = 0; ///< of the vehicle unit's maker
     int deviceId = 0;         ///< the maker's type of the vehicle unit
     QString softwareVersion;  ///< trimmed

@@ -94,8 +94,8 @@ class SCARD_EXPORT SCardDriverG1 : public SCardGeneric
 
     /// Reads every EF and the signatures. Emits cardLanguage() and cardHolderName() and makes the file
     /// name as soon as EF_Identification is read, and builds the lists when all is read that an image must
-    /// have. Errors: "read() Select DF_Tachograph failed" with the
-    /// selection's entries behind it, or the reader's error unchanged; the debug stream says which EF.
+    /// have. Errors: "read() Select DF_Tachograph failed" with the selection's entries behind it, or the
+    /// reader's error unchanged; the debug stream says which EF.
     aux::Error read() override;
 
     /// Writes the first-generation records to @p file, which must be open. Errors, id 0:

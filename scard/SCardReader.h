@@ -61,7 +61,8 @@ class SCARD_EXPORT SCardReader : public QObject
     aux::Error read(FilenameRegion region);
 
     /// Makes the card object for type and generation of the identified @p card, on the same card or
-    /// image; a copy of @p card itself for a type that has no class.
+    /// image: SCardDriverG1 or SCardDriverG2 (version 2.2 included) for a driver card, a copy of @p card
+    /// itself for a type that has no class.
     std::shared_ptr<SCardGeneric> generateSpecific(const SCardGeneric& card);
 
   Q_SIGNALS:

@@ -1,8 +1,11 @@
 // A driver card through the real pcscd.
 #include "CardBehindPcscd.h"
 
+#include <pcsc/Answers.h>
 #include <pcsc/ExpectedDownload.h>
 #include <support/DebugStream.h>
+
+#include <QFile>
 
 #include <gmock/gmock.h>
 
@@ -80,6 +83,37 @@ TEST_F(SystemDownloadTest, ACardOfVersion22GivesTheSameBytesByTheSameCommandsAnd
     EXPECT_THAT(withoutStampTimes(sent()), ElementsAreArray(commandsOf(steps)));
     EXPECT_GE(sim::readU32(*card().file(sim::AidG1, 0x050E), 0), before);
     EXPECT_GE(sim::readU32(*card().file(sim::AidG2, 0x050E), 0), before);
+}
+
+TEST_F(SystemDownloadTest, TheFileAnswersAsTheCardDid)
+{
+    for (const sim::CardDescription& description : {driverCard(), driverCardG2(), driverCardV2()}) {
+        insert(description);
+        const Download result = download();
+        takeOut();
+        const auto fromCard = std::dynamic_pointer_cast<scard::SCardDriverG1>(result.card);
+        ASSERT_TRUE(fromCard);
+
+        QFile file(result.path);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        scard::SCardGeneric image(file, result.card->getDownloadTimestamp(), scard::RegionDDD);
+        EXPECT_THAT(chain(image.readCardInfo()), IsEmpty());
+        const auto fromImage =
+            std::dynamic_pointer_cast<scard::SCardDriverG1>(SCardReader().generateSpecific(image));
+        ASSERT_TRUE(fromImage);
+        EXPECT_THAT(chain(fromImage->read()), IsEmpty());
+        EXPECT_EQ(identityOf(*fromImage), identityOf(*fromCard));
+        EXPECT_EQ(answersOf(*fromImage), answersOf(*fromCard));
+
+        const auto secondFromCard = std::dynamic_pointer_cast<scard::SCardDriverG2>(fromCard);
+        const auto secondFromImage = std::dynamic_pointer_cast<scard::SCardDriverG2>(fromImage);
+        EXPECT_EQ(secondFromCard != nullptr, description.applications.size() == 2);
+        ASSERT_EQ(secondFromCard != nullptr, secondFromImage != nullptr);
+        if (secondFromCard) {
+            EXPECT_EQ(secondAnswersOf(*secondFromImage), secondAnswersOf(*secondFromCard));
+        }
+        QFile::remove(result.path);
+    }
 }
 
 TEST_F(SystemDownloadTest, ADamagedFirstApplicationDoesNotStopTheSecond)

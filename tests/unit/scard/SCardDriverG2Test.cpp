@@ -627,6 +627,52 @@ TEST(SCardDriverG2DataToRead, TheCountsOfAFullCardAreUnsigned)
     EXPECT_EQ(progressOf(card), QStringLiteral("=== Progress: 0 dataToRead: %1%:0").arg(expected));
 }
 
+TEST(SCardDriverG2Read, CountsBeyondTheRecordsOfTheImageAreRefusedWhereTheEfIsRequired)
+{
+    // 3 kinds × 24 bytes × 11 groups are there; 255 are announced.
+    Bytes application = test::driverApplicationG2(Version::first);
+    application[3] = 0xFF;
+    ImageDriver card(
+        smallDriverImage().append(secondApplication(Version::first).replace(0x0501, application)));
+
+    EXPECT_THAT(
+        chain(card.read()), ElementsAre(lib("readFromMem() invalid dataset size:792requested:67320", 6700)));
+}
+
+TEST(SCardDriverG2Read, CountsBeyondTheRecordsOfTheImageArePassedWhereTheEfIsOptional)
+{
+    // Places, GNSS places, conditions and vehicle units: 65,535 each.
+    Bytes application = test::driverApplicationG2(Version::first);
+    for (std::size_t i = 9; i < application.size(); ++i)
+        application[i] = 0xFF;
+    ImageDriver card(
+        smallDriverImage().append(secondApplication(Version::first).replace(0x0501, application)));
+
+    EXPECT_THAT(chain(card.read()), IsEmpty());
+
+    EXPECT_THAT(card.getPlacesG2(), SizeIs(0));
+    EXPECT_THAT(card.getGnssPlaces(), SizeIs(0));
+    EXPECT_THAT(card.getSpecificConditionsG2(), SizeIs(0));
+    EXPECT_THAT(card.getVehicleUnits(), SizeIs(0));
+}
+
+TEST(SCardDriverG2Read, AnImageWithoutAnyRecordsIsRead)
+{
+    Bytes application = test::driverApplicationG2(Version::second);
+    for (std::size_t i = 3; i < application.size(); ++i)
+        application[i] = 0;
+    Image second = secondApplication(Version::second).replace(0x0501, application).replace(0x0525, Bytes(10));
+    ImageDriver card(smallDriverImage().append(second));
+
+    EXPECT_THAT(chain(card.read()), IsEmpty());
+
+    EXPECT_THAT(card.getActivitiesG2(), SizeIs(0));
+    EXPECT_THAT(card.getVehiclesUsedG2(), SizeIs(0));
+    EXPECT_THAT(card.getEventsG2(), SizeIs(0));
+    EXPECT_THAT(card.getFaultsG2(), SizeIs(0));
+    EXPECT_THAT(card.getBorderCrossings(), SizeIs(0));
+}
+
 TEST(SCardDriverG2DataToRead, AFailureOfTheFirstApplicationStandsBehindTheStep)
 {
     ImageDriver card(smallDriverImage().without(0x0501).append(secondApplication(Version::first)));
