@@ -41,16 +41,13 @@ aux::Error SCardDriverG1::calcDataToRead()
 
     if (!ScSelectFile(detail::driverG1Table().applicationName).isEmpty())
         return {};
-    try {
-        d->application.keep(
-            detail::fidApplicationIdentification,
-            detail::bytesOf(readFrom<DriverCardApplicationIdentification_g1>(
-                detail::fidApplicationIdentification, 0, false)));
-    } catch (const aux::Error& readFailure) {
+    failure = d->application.readCounts<DriverCardApplicationIdentification_g1>(
+        *this, detail::fidApplicationIdentification);
+    if (!failure.isEmpty()) {
         const QString text =
             QStringLiteral("calcDataToRead(): Error reading SCardDriver G1 EF_Application_Identification:");
-        qDebug().noquote() << text << readFailure;
-        return detail::withStep(readFailure, text);
+        qDebug().noquote() << text << failure;
+        return detail::withStep(std::move(failure), text);
     }
     addDataToRead(d->application.dataToRead(*this, detail::OnCards::All));
     return {};

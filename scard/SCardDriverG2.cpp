@@ -17,23 +17,21 @@ namespace scard {
 using detail::ledByStep;
 using detail::OnCards;
 
+namespace {
+
+/// The error of a step that the debug stream hears of, too.
+aux::Error loggedStep(const QString& text, aux::Error failure)
+{
+    qDebug().noquote() << text << failure;
+    return ledByStep(text, std::move(failure));
+}
+
+} // namespace
+
 struct SCardDriverG2::Private
     : detail::DriverData<DriverCardApplicationIdentification_g2, SCardDriverG2::_VEHICLE_USAGE_INFO_G2>
 {
     Private() : DriverData(detail::driverG2Table()) {}
-
-    /// Keeps an identification EF, whose counts the total needs. A failure goes to the debug stream, too.
-    template <typename Record>
-    aux::Error keepCounts(SCardGeneric& card, unsigned short fid, const QString& failureText)
-    {
-        try {
-            application.keep(fid, detail::bytesOf(card.readFrom<Record>(fid, 0, false)));
-            return {};
-        } catch (const aux::Error& failure) {
-            qDebug().noquote() << failureText << failure;
-            return ledByStep(failureText, failure);
-        }
-    }
 };
 
 SCardDriverG2::SCardDriverG2() : d(std::make_unique<Private>()) {}
@@ -50,26 +48,25 @@ aux::Error SCardDriverG2::calcDataToRead()
         return ledByStep(
             QStringLiteral("calcDataToRead() failed to call SCardDriverG1::calcDataToRead()"), failure);
 
-    const QString identificationText =
-        QStringLiteral("calcDataToRead(): Error reading SCardDriver G2 EF_Application_Identification:");
     failure = ScSelectFile(detail::driverG2Table().applicationName);
-    if (!failure.isEmpty()) { // the counts would be those of the other application
-        qDebug().noquote() << identificationText << failure;
-        return ledByStep(identificationText, std::move(failure));
-    }
-    failure = d->keepCounts<DriverCardApplicationIdentification_g2>(
-        *this, detail::fidApplicationIdentification, identificationText);
+    if (failure.isEmpty()) // else the counts would be those of the other application
+        failure = d->application.readCounts<DriverCardApplicationIdentification_g2>(
+            *this, detail::fidApplicationIdentification);
     if (!failure.isEmpty())
-        return failure;
+        return loggedStep(
+            QStringLiteral("calcDataToRead(): Error reading SCardDriver G2 EF_Application_Identification:"),
+            std::move(failure));
     addDataToRead(d->application.dataToRead(*this, OnCards::All));
 
     if (!is2_2Generation())
         return {};
-    failure = d->keepCounts<DriverCardApplicationIdentification_g2_2>(
-        *this, detail::fidApplicationIdentificationV2,
-        QStringLiteral("calcDataToRead(): Error reading SCardDriver G2 EF_Application_Identification_V2:"));
+    failure = d->application.readCounts<DriverCardApplicationIdentification_g2_2>(
+        *this, detail::fidApplicationIdentificationV2);
     if (!failure.isEmpty())
-        return failure;
+        return loggedStep(
+            QStringLiteral(
+                "calcDataToRead(): Error reading SCardDriver G2 EF_Application_Identification_V2:"),
+            std::move(failure));
     addDataToRead(d->application.dataToRead(*this, OnCards::Version2_2));
     return {};
 }

@@ -21,6 +21,14 @@ struct Dataset
     std::vector<unsigned char> signature;
 };
 
+/// The bytes of a record, to be kept or written.
+template <typename Record>
+std::vector<unsigned char> bytesOf(const Record& record)
+{
+    const auto* first = reinterpret_cast<const unsigned char*>(&record);
+    return {first, first + sizeof record};
+}
+
 /// The EFs of one application of a card, and the three walks over their table: what the download will
 /// move, reading, saving.
 class CardApplication
@@ -41,6 +49,19 @@ class CardApplication
 
     /// Keeps the bytes of an EF that was read outside the table's walk.
     void keep(unsigned short fid, std::vector<unsigned char> bytes);
+
+    /// Reads and keeps an identification EF of the selected application, whose counts the total needs. The
+    /// reader's error is returned as it is.
+    template <typename Record>
+    aux::Error readCounts(SCardGeneric& card, unsigned short fid)
+    {
+        try {
+            keep(fid, bytesOf(card.readFrom<Record>(fid, 0, false)));
+            return {};
+        } catch (const aux::Error& failure) {
+            return failure;
+        }
+    }
 
     /// Reads the rows in their order from @p card, on which the application is selected; @p afterEf is
     /// called with the FID behind each EF that was read. A failure goes to the debug stream behind the
@@ -80,13 +101,5 @@ class CardApplication
     const EfTable* m_table; ///< lives as long as the program
     std::map<unsigned short, Dataset> m_datasets;
 };
-
-/// The bytes of a record, to be kept or written.
-template <typename Record>
-std::vector<unsigned char> bytesOf(const Record& record)
-{
-    const auto* first = reinterpret_cast<const unsigned char*>(&record);
-    return {first, first + sizeof record};
-}
 
 } // namespace scard::detail

@@ -1,7 +1,7 @@
 #include <scard/detail/RecordFields.h>
 
 #include <aux/CountryCodes.h>
-#include <scard/detail/TextField.h>
+#include <scard/SCardGeneric.h>
 
 namespace scard::detail {
 
@@ -22,13 +22,12 @@ QDateTime localTimeIfSet(TimeReal time)
 
 QString nameText(const Name& name)
 {
-    return decodeText(name.codePage, name.name, sizeof name.name).trimmed();
+    return SCardGeneric::textfieldToString(name).trimmed();
 }
 
 QString registrationText(const VehicleRegistrationIdentification& registration)
 {
-    const VehicleRegistrationNumber& number = registration.vehicleRegistrationNumber;
-    return decodeText(number.codePage, number.vehicleRegNumber, sizeof number.vehicleRegNumber).trimmed();
+    return SCardGeneric::textfieldToString(registration.vehicleRegistrationNumber).trimmed();
 }
 
 Nation nation(unsigned char nationNumeric)
