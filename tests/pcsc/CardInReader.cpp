@@ -1,6 +1,9 @@
 #include "CardInReader.h"
 #include "ExpectedDownload.h"
 
+#include <QFile>
+#include <QRegularExpression>
+
 #include <utility>
 
 namespace test {
@@ -42,6 +45,28 @@ long CardInReader::connect()
         pcsc().connect(context, virtualReaderName, SCARD_SHARE_SHARED, SCARD_PROTOCOL_T1, &handle, &protocol),
         SCARD_S_SUCCESS);
     return handle;
+}
+
+void CardInReader::expectFileOfEachRegion(int imageSize)
+{
+    const struct
+    {
+        scard::FilenameRegion region;
+        const char* pattern;
+    } rows[] = {
+        {scard::RegionDDD, R"(^/tmp/C_\d{8}_\d{4}_J_Mustermann_DF000000123456\.DDD$)"},
+        {scard::RegionC1B, R"(^/tmp/D__DF000000123456\d{10}\.C1B$)"},
+        {scard::RegionTGD, R"(^/tmp/C_DF000000123456[0-9A-Z]{2}_D_\d{8}_\d{4}\.TGD$)"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.pattern);
+        card().reset();
+        const Download result = download(row.region);
+        EXPECT_TRUE(QRegularExpression(row.pattern).match(result.path).hasMatch())
+            << result.path.toStdString();
+        EXPECT_EQ(result.image.size(), imageSize);
+        QFile::remove(result.path);
+    }
 }
 
 std::vector<std::string> CardInReader::commands() const

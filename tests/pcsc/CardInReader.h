@@ -36,6 +36,9 @@ class CardInReader : public testing::Test
     /// Connects to the card as a reader's open() does, for a test that drives a card object itself.
     long connect();
 
+    /// Downloads Jana Mustermann's card DF000000123456 by each region, and looks at name and size.
+    void expectFileOfEachRegion(int imageSize);
+
     /// Commands that the card has got, in hexadecimal.
     std::vector<std::string> commands() const;
 

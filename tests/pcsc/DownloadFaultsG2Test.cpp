@@ -128,7 +128,7 @@ class DownloadFaultsG2Test : public CardInReader
     {
         const Download next = downloadWith([] {});
         EXPECT_THAT(chain(next.failure), IsEmpty());
-        EXPECT_EQ(sim::Bytes(next.image.begin(), next.image.end()), smallImage(0));
+        EXPECT_EQ(bytes(next.image), smallImage(0));
         EXPECT_TRUE(stamped(sim::AidG1));
         EXPECT_TRUE(stamped(sim::AidG2));
     }
@@ -169,11 +169,10 @@ class DownloadFaultsG2Test : public CardInReader
                 EXPECT_EQ(static_cast<std::size_t>(result.image.size()), smallImage(0).size());
             else
                 EXPECT_EQ(
-                    sim::Bytes(result.image.begin(), result.image.end()),
-                    smallImage(
-                        !isFirstReading(step)           ? 0
-                        : step.kind == Kind::SelectName ? 0x0520
-                                                        : step.fid));
+                    bytes(result.image), smallImage(
+                                             !isFirstReading(step)           ? 0
+                                             : step.kind == Kind::SelectName ? 0x0520
+                                                                             : step.fid));
         } else {
             expectCleanFailure(result, step, expectedChainG2(step, cause));
         }

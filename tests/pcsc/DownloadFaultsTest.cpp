@@ -54,7 +54,7 @@ class DownloadFaultsTest : public CardInReader
     {
         const Download next = downloadWith([] {});
         EXPECT_THAT(chain(next.failure), IsEmpty());
-        EXPECT_EQ(sim::Bytes(next.image.begin(), next.image.end()), image);
+        EXPECT_EQ(bytes(next.image), image);
         EXPECT_TRUE(stamped());
     }
 
@@ -202,7 +202,7 @@ TEST_F(DownloadFaultsTest, AFailureAfterTheDownloadDoesNotTouchIt)
     EXPECT_THAT(
         chain(result.closeFailure),
         ElementsAre(test::pcsc("close: SCardDisconnect() Failed", SCARD_W_REMOVED_CARD)));
-    EXPECT_EQ(sim::Bytes(result.image.begin(), result.image.end()), image);
+    EXPECT_EQ(bytes(result.image), image);
     EXPECT_TRUE(stamped());
 }
 
@@ -318,7 +318,7 @@ TEST_F(DownloadFaultsTest, AFailedStampLeavesTheFile)
     const QStringList files = QDir("/tmp").entryList({"C_*"}, QDir::Files);
     ASSERT_EQ(files.size(), 1);
     const QByteArray left = fileContent("/tmp/" + files.front());
-    EXPECT_EQ(sim::Bytes(left.begin(), left.end()), image);
+    EXPECT_EQ(bytes(left), image);
 }
 
 } // namespace

@@ -14,7 +14,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QRegularExpression>
 
 #include <gmock/gmock.h>
 
@@ -32,11 +31,6 @@ using scard::SCardReader;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
-
-sim::Bytes bytes(const QByteArray& image)
-{
-    return {image.begin(), image.end()};
-}
 
 sim::CardDescription cardWith(const std::function<void(sim::DriverParametersG2&)>& change)
 {
@@ -214,23 +208,7 @@ TEST_F(DownloadG2Test, EachRegionNamesTheFileAsForTheFirstGeneration)
         parameters.first.firstNames = "Jana";
         parameters.first.driverIdentification = "DF000000123456";
     }));
-    const struct
-    {
-        scard::FilenameRegion region;
-        const char* pattern;
-    } rows[] = {
-        {scard::RegionDDD, R"(^/tmp/C_\d{8}_\d{4}_J_Mustermann_DF000000123456\.DDD$)"},
-        {scard::RegionC1B, R"(^/tmp/D__DF000000123456\d{10}\.C1B$)"},
-        {scard::RegionTGD, R"(^/tmp/C_DF000000123456[0-9A-Z]{2}_D_\d{8}_\d{4}\.TGD$)"},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.pattern);
-        card().reset();
-        const Download result = download(row.region);
-        EXPECT_TRUE(QRegularExpression(row.pattern).match(result.path).hasMatch())
-            << result.path.toStdString();
-        QFile::remove(result.path);
-    }
+    expectFileOfEachRegion(67502);
 }
 
 // The card and its image answer alike.

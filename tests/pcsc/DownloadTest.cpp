@@ -12,7 +12,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
 
 #include <gmock/gmock.h>
 
@@ -32,11 +31,6 @@ using testing::ElementsAreArray;
 using testing::IsEmpty;
 
 using DownloadTest = CardInReader;
-
-sim::Bytes bytes(const QByteArray& image)
-{
-    return {image.begin(), image.end()};
-}
 
 /// A driver card of another layout: 304 vehicles is more than any real card has.
 sim::CardDescription driverCardWith(const std::function<void(sim::DriverParameters&)>& change)
@@ -204,23 +198,7 @@ TEST_F(DownloadTest, EachRegionNamesTheFileByItsConvention)
         parameters.firstNames = "Jana";
         parameters.driverIdentification = "DF000000123456";
     }));
-    const struct
-    {
-        scard::FilenameRegion region;
-        const char* pattern;
-    } rows[] = {
-        {scard::RegionDDD, R"(^/tmp/C_\d{8}_\d{4}_J_Mustermann_DF000000123456\.DDD$)"},
-        {scard::RegionC1B, R"(^/tmp/D__DF000000123456\d{10}\.C1B$)"},
-        {scard::RegionTGD, R"(^/tmp/C_DF000000123456[0-9A-Z]{2}_D_\d{8}_\d{4}\.TGD$)"},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.pattern);
-        card().reset();
-        const Download result = download(row.region);
-        EXPECT_TRUE(QRegularExpression(row.pattern).match(result.path).hasMatch())
-            << result.path.toStdString();
-        EXPECT_EQ(result.image.size(), 26635);
-    }
+    expectFileOfEachRegion(26635);
 }
 
 TEST_F(DownloadTest, TheFileNameHoldsTheTimeInUtc)

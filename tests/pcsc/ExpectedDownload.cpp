@@ -442,6 +442,11 @@ Chain expectedChainG2(const Step& step, const Entry& cause)
     return chainOfDownload(step, cause, std::move(chain));
 }
 
+sim::Bytes bytes(const QByteArray& image)
+{
+    return {image.begin(), image.end()};
+}
+
 sim::Bytes expectedImage(const sim::CardDescription& card)
 {
     return firstImage(card, 0);

@@ -3,6 +3,8 @@
 #include <simulator/Card.h>
 #include <support/ErrorChain.h>
 
+#include <QByteArray>
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -98,6 +100,9 @@ expectedProgress(const std::vector<Step>& steps, unsigned int total, unsigned in
 /// The whole error of a download that ends at @p step because of @p cause.
 Chain expectedChain(const Step& step, const Entry& cause);
 Chain expectedChainG2(const Step& step, const Entry& cause);
+
+/// The bytes of a file, as the simulated card has them.
+sim::Bytes bytes(const QByteArray& image);
 
 /// The image of @p card, its records in order, the signatures made with the card's keys.
 sim::Bytes expectedImage(const sim::CardDescription& card);

@@ -35,11 +35,6 @@ class SystemDownloadTest : public CardBehindPcscd
     }
 };
 
-sim::Bytes bytes(const QByteArray& image)
-{
-    return {image.begin(), image.end()};
-}
-
 TEST_F(SystemDownloadTest, GivesTheSameBytesAsInProcess)
 {
     insert(driverCard());

@@ -69,7 +69,7 @@ TEST_F(HostProgramTest, DownloadsACardAndSaysWhere)
     const QRegularExpressionMatch match = whole.match(QString::fromStdString(outcome.out));
     ASSERT_TRUE(match.hasMatch()) << outcome.out;
     const QByteArray image = fileContent(match.captured(3));
-    EXPECT_EQ(sim::Bytes(image.begin(), image.end()), expectedImage(janasCard()));
+    EXPECT_EQ(bytes(image), expectedImage(janasCard()));
 }
 
 TEST_F(HostProgramTest, NamesTheFileByTheRegion)
