@@ -1,5 +1,7 @@
 #pragma once
 
+#include <scard/Nation.h>
+
 #include <QDateTime>
 #include <QString>
 
@@ -11,13 +13,6 @@
 // dictionary (Annex 1C, Appendix 1).
 
 namespace scard {
-
-/// A nation by the number that cards store, and its letters.
-struct Nation
-{
-    int numeric = 0; ///< NationNumeric
-    QString alpha;   ///< NationAlpha; empty for 0 (no information) and numbers that are not assigned
-};
 
 /// A position by satellite navigation (GNSSPlaceRecord). Without one every field is empty.
 struct GnssPosition

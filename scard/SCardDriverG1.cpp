@@ -1,17 +1,14 @@
 #include <scard/SCardDriverG1.h>
 
-#include <aux/CountryCodes.h>
 #include <scard/detail/DriverData.h>
-#include <scard/detail/DriverFileName.h>
 #include <scard/detail/DriverG1Table.h>
 #include <scard/detail/DrivingTime.h>
 #include <scard/detail/ErrorBuilder.h>
 #include <scard/detail/Fid.h>
+#include <scard/detail/FileName.h>
 #include <scard/detail/HolderName.h>
 #include <scard/detail/RecordFields.h>
 #include <scard/detail/SortByTime.h>
-
-#include <QDebug>
 
 #include <utility>
 
@@ -38,31 +35,15 @@ aux::Error SCardDriverG1::calcDataToRead()
     if (!failure.isEmpty())
         return ledByStep(
             QStringLiteral("calcDataToRead() failed to call SCardGeneric::calcDataToRead()"), failure);
-
     if (!ScSelectFile(detail::driverG1Table().applicationName).isEmpty())
         return {};
-    failure = d->application.readCounts<DriverCardApplicationIdentification_g1>(
-        *this, detail::fidApplicationIdentification);
-    if (!failure.isEmpty()) {
-        const QString text =
-            QStringLiteral("calcDataToRead(): Error reading SCardDriver G1 EF_Application_Identification:");
-        qDebug().noquote() << text << failure;
-        return detail::withStep(std::move(failure), text);
-    }
-    addDataToRead(d->application.dataToRead(*this, detail::OnCards::All));
-    return {};
+    return d->application.addUp(*this);
 }
 
 aux::Error SCardDriverG1::read()
 {
-    setDataValid(false);
-    d->restart(iccIdentification(), icIdentification());
-
-    aux::Error failure = d->application.select(*this);
-    if (!failure.isEmpty())
-        return failure;
-
-    failure = d->application.read(*this, !hasCard(), [this](unsigned short fid) {
+    d->clearLists();
+    aux::Error failure = d->application.read(*this, [this](unsigned short fid) {
         if (fid == detail::fidIdentification)
             announceHolder();
     });
@@ -74,19 +55,14 @@ aux::Error SCardDriverG1::read()
         SCardDriverG1::buildEventList();
         SCardDriverG1::buildFaultList();
     }
-    setDataValid(failure.isEmpty());
     return failure;
 }
 
 aux::Error SCardDriverG1::saveToFile(QFile& file)
 {
-    aux::Error failure = whyNotSaved(file, "Save failed g1: ", isLoadedFromZubo());
-    if (!failure.isEmpty())
-        return failure;
-    failure = d->application.save(*this, file);
-    if (failure.isEmpty())
-        return {};
-    return ledByStep(QStringLiteral("saveToFile() Failed"), std::move(failure));
+    if (file.isOpen() && !isDataValid())
+        detail::logSaveFailed("Save failed g1: ", isDataValid(), isLoadedFromZubo());
+    return d->application.save(*this, file);
 }
 
 aux::Error SCardDriverG1::postDownloadTasks()
@@ -238,9 +214,8 @@ void SCardDriverG1::constructFilename()
 {
     const DriverCard_EF_Identification identification = SCardDriverG1::getCardIdentification();
     setFilename(detail::driverFileName(
-        filenameRegion(), {aux::CountryCodes::countryCodeFromStateID(identification.cardIssuingMemberState),
-                           identification.cardNumber, textfieldToString(identification.holderFirstNames),
-                           textfieldToString(identification.holderSurname), getDownloadTimestamp()}));
+        filenameRegion(), identification.cardNumber,
+        detail::fileNameParts(identification, getDownloadTimestamp())));
 }
 
 aux::Error SCardDriverG1::updateLastCardDownload()
@@ -262,10 +237,7 @@ void SCardDriverG1::announceHolder()
 {
     constructFilename();
     const DriverCard_EF_Identification identification = SCardDriverG1::getCardIdentification();
-    const char language[] = {
-        static_cast<char>(identification.cardHolderPreferredLanguage[0]),
-        static_cast<char>(identification.cardHolderPreferredLanguage[1]), '\0'};
-    emitCardLanguage(language);
+    emitCardLanguage(reinterpret_cast<const char*>(identification.cardHolderPreferredLanguage));
     Q_EMIT cardHolderName(SCardDriverG1::getCardHolderName());
 }
 

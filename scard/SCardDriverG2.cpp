@@ -8,25 +8,9 @@
 #include <scard/detail/RecordFields.h>
 #include <scard/detail/SortByTime.h>
 
-#include <QDebug>
-
-#include <utility>
-
 namespace scard {
 
 using detail::ledByStep;
-using detail::OnCards;
-
-namespace {
-
-/// The error of a step that the debug stream hears of, too.
-aux::Error loggedStep(const QString& text, aux::Error failure)
-{
-    qDebug().noquote() << text << failure;
-    return ledByStep(text, std::move(failure));
-}
-
-} // namespace
 
 struct SCardDriverG2::Private
     : detail::DriverData<DriverCardApplicationIdentification_g2, SCardDriverG2::_VEHICLE_USAGE_INFO_G2>
@@ -47,74 +31,29 @@ aux::Error SCardDriverG2::calcDataToRead()
     if (!failure.isEmpty())
         return ledByStep(
             QStringLiteral("calcDataToRead() failed to call SCardDriverG1::calcDataToRead()"), failure);
-
-    failure = ScSelectFile(detail::driverG2Table().applicationName);
-    if (failure.isEmpty()) // else the counts would be those of the other application
-        failure = d->application.readCounts<DriverCardApplicationIdentification_g2>(
-            *this, detail::fidApplicationIdentification);
-    if (!failure.isEmpty())
-        return loggedStep(
-            QStringLiteral("calcDataToRead(): Error reading SCardDriver G2 EF_Application_Identification:"),
-            std::move(failure));
-    addDataToRead(d->application.dataToRead(*this, OnCards::All));
-
-    if (!is2_2Generation())
-        return {};
-    failure = d->application.readCounts<DriverCardApplicationIdentification_g2_2>(
-        *this, detail::fidApplicationIdentificationV2);
-    if (!failure.isEmpty())
-        return loggedStep(
-            QStringLiteral(
-                "calcDataToRead(): Error reading SCardDriver G2 EF_Application_Identification_V2:"),
-            std::move(failure));
-    addDataToRead(d->application.dataToRead(*this, OnCards::Version2_2));
-    return {};
+    return d->application.calcDataToRead(*this);
 }
 
 aux::Error SCardDriverG2::read()
 {
-    addBytesRead(sizeof(CardIccIdentification) + sizeof(CardIcIdentification)); // by the identification
-
-    // Whatever becomes of the first application: the second holds all of it and more.
-    const aux::Error firstFailure = SCardDriverG1::read();
-    if (!firstFailure.isEmpty())
-        qDebug().noquote() << "read() first application failed:" << firstFailure;
-
-    setDataValid(false);
-    d->restart(iccIdentification(), icIdentification());
-    aux::Error failure = d->application.select(*this);
+    countIdentification();
+    d->clearLists();
+    detail::discard("read() first application failed:", SCardDriverG1::read());
+    aux::Error failure = d->application.read(*this, [](unsigned short) {});
     if (!failure.isEmpty())
         return failure;
-    failure = d->application.read(*this, !hasCard(), [](unsigned short) {});
-    if (!failure.isEmpty())
-        return failure;
-
     buildDailyActivityList();
     buildUsedVehiclesList();
     buildEventList();
     buildFaultList();
-    setDataValid(true);
     return {};
 }
 
 aux::Error SCardDriverG2::saveToFile(QFile& file)
 {
-    aux::Error failure = whyNotSaved(file, "Save failed g2: ", hasCardInfo());
-    if (!failure.isEmpty())
-        return failure;
-
-    // As far as the first application was read, its records come first.
-    file.unsetError();
-    aux::Error firstFailure = SCardDriverG1::saveToFile(file);
-    const bool recordTorn = !firstFailure.isEmpty() && file.error() != QFileDevice::NoError;
-    if (!firstFailure.isEmpty())
-        qDebug().noquote() << "saveToFile() first application failed:" << firstFailure;
-
-    failure = d->application.save(*this, file);
-    if (!failure.isEmpty())
-        return ledByStep(QStringLiteral("saveToFile() Failed"), std::move(failure));
-    // Behind a record that is not whole nobody finds the others, and the card must not be stamped for it.
-    return recordTorn ? firstFailure : aux::Error();
+    if (file.isOpen() && !isDataValid())
+        detail::logSaveFailed("Save failed g2: ", isDataValid(), hasCardInfo());
+    return d->application.saveBehind([this, &file] { return SCardDriverG1::saveToFile(file); }, *this, file);
 }
 
 aux::Error SCardDriverG2::postDownloadTasks()

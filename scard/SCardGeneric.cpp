@@ -45,11 +45,6 @@ constexpr unsigned long long largestDataset = 0xFFFF;
 /// bytes in the last answer. A card that spends four on the header of that answer is refused by the reader.
 constexpr std::size_t spareBytes = 5;
 
-const char* trueOrFalse(bool value)
-{
-    return value ? "true" : "false";
-}
-
 /// A command whose answer is its status word alone.
 aux::Error sendForStatus(SCardGeneric& card, unsigned char* command, std::size_t length)
 {
@@ -621,9 +616,9 @@ void SCardGeneric::addDataToRead(std::uint32_t bytes)
     d->bytesToRead += bytes;
 }
 
-void SCardGeneric::addBytesRead(std::uint32_t bytes)
+void SCardGeneric::countIdentification()
 {
-    d->bytesRead += bytes;
+    d->bytesRead += sizeof(CardIccIdentification) + sizeof(CardIcIdentification);
 }
 
 bool SCardGeneric::hasCardInfo() const
@@ -639,19 +634,6 @@ bool SCardGeneric::isDataValid() const
 void SCardGeneric::setDataValid(bool valid)
 {
     d->dataValid = valid;
-}
-
-aux::Error SCardGeneric::whyNotSaved(const QFile& file, const char* logText, bool loggedFlag) const
-{
-    if (!file.isOpen())
-        return libraryError(QStringLiteral("saveToFile(): File not opened"));
-    if (!d->dataValid) {
-        qDebug().noquote() << QByteArray(logText) + trueOrFalse(d->dataValid) << trueOrFalse(loggedFlag);
-        return libraryError(QStringLiteral("saveToFile(): no valid data"));
-    }
-    if (!d->hasCard())
-        return libraryError(QStringLiteral("saveToFile(): not allowed on data read from file "));
-    return {};
 }
 
 } // namespace scard

@@ -22,6 +22,10 @@
 
 namespace scard {
 
+namespace detail {
+class CardApplication;
+}
+
 /// A tachograph card, or the image of one: the base of every card class.
 ///
 /// An object stands on a connected card (PC/SC handle) or on a download image (file). The card
@@ -266,7 +270,9 @@ class SCARD_EXPORT SCardGeneric : public QObject
     FilenameRegion filenameRegion() const;
     void setFilename(const QString& filename);
     void addDataToRead(std::uint32_t bytes);
-    void addBytesRead(std::uint32_t bytes);
+
+    /// Counts EF_ICC and EF_IC, which the identification read, as moved.
+    void countIdentification();
 
     /// True after a successful readCardInfo() of this object.
     bool hasCardInfo() const;
@@ -275,11 +281,9 @@ class SCARD_EXPORT SCardGeneric : public QObject
     bool isDataValid() const;
     void setDataValid(bool valid);
 
-    /// Why the image cannot be written to @p file now; empty when it can. Without valid data the debug stream
-    /// gets @p logText, the data-valid flag and @p loggedFlag.
-    aux::Error whyNotSaved(const QFile& file, const char* logText, bool loggedFlag) const;
-
   private:
+    friend class detail::CardApplication;
+
     template <typename Record>
     static constexpr unsigned long long byteCount(std::uint32_t n, unsigned short m)
     {

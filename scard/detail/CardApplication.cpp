@@ -2,6 +2,7 @@
 
 #include <scard/detail/CertificateSize.h>
 #include <scard/detail/ErrorBuilder.h>
+#include <scard/detail/Fid.h>
 #include <scard/records/BigEndian.h>
 
 #include <QDebug>
@@ -18,9 +19,44 @@ bool isOnCard(const EfRow& row, const SCardGeneric& card)
     return row.onCards == OnCards::All || card.is2_2Generation();
 }
 
+aux::Error withOwnEntry(OwnEntry place, const QString& text, aux::Error lower)
+{
+    return place == OwnEntry::First ? ledByStep(text, std::move(lower)) : withStep(std::move(lower), text);
+}
+
 } // namespace
 
+void discard(const char* text, const aux::Error& firstFailure)
+{
+    if (!firstFailure.isEmpty())
+        qDebug().noquote() << text << firstFailure;
+}
+
 CardApplication::CardApplication(const EfTable& table) : m_table(&table) {}
+
+aux::Error CardApplication::calcDataToRead(SCardGeneric& card)
+{
+    aux::Error failure = card.ScSelectFile(m_table->applicationName);
+    if (!failure.isEmpty())
+        return totalFailed(m_table->counts.front(), std::move(failure));
+    return addUp(card);
+}
+
+aux::Error CardApplication::addUp(SCardGeneric& card)
+{
+    for (const CountsEf& ef : m_table->counts) {
+        const EfRow& row = rowOf(ef.fid);
+        if (!isOnCard(row, card))
+            continue;
+        try {
+            readCounts(card, ef.fid);
+        } catch (const aux::Error& failure) {
+            return totalFailed(ef, failure);
+        }
+        card.addDataToRead(dataToRead(card, row.onCards));
+    }
+    return {};
+}
 
 std::uint32_t CardApplication::dataToRead(SCardGeneric& card, OnCards onCards) const
 {
@@ -39,12 +75,50 @@ aux::Error CardApplication::select(SCardGeneric& card) const
     aux::Error failure = card.ScSelectFile(m_table->applicationName);
     if (failure.isEmpty())
         return {};
-    return ledByStep(QStringLiteral("read() Select DF_Tachograph failed"), std::move(failure));
+    return withOwnEntry(
+        m_table->stepEntry, QStringLiteral("read() Select DF_Tachograph failed"), std::move(failure));
 }
 
-void CardApplication::clear()
+aux::Error CardApplication::read(SCardGeneric& card, const AfterEf& afterEf)
 {
+    card.setDataValid(false);
     m_datasets.clear();
+    keep(fidIcc, bytesOf(card.iccIdentification()));
+    keep(fidIc, bytesOf(card.icIdentification()));
+
+    aux::Error failure = select(card);
+    if (failure.isEmpty()) {
+        qDebug() << "read Tachograph";
+        failure = readRows(card, afterEf);
+    }
+    card.setDataValid(failure.isEmpty());
+    return failure;
+}
+
+aux::Error CardApplication::save(SCardGeneric& card, QFile& file) const
+{
+    aux::Error failure = whyNotSaved(card, file);
+    if (!failure.isEmpty())
+        return failure;
+    failure = write(card, file);
+    if (failure.isEmpty())
+        return {};
+    return withOwnEntry(m_table->stepEntry, QStringLiteral("saveToFile() Failed"), std::move(failure));
+}
+
+aux::Error CardApplication::saveBehind(const FirstStep& saveFirst, SCardGeneric& card, QFile& file) const
+{
+    aux::Error failure = whyNotSaved(card, file);
+    if (!failure.isEmpty())
+        return failure;
+    file.unsetError();
+    const aux::Error firstFailure = saveFirst();
+    discard("saveToFile() first application failed:", firstFailure);
+    const bool recordTorn = !firstFailure.isEmpty() && file.error() != QFileDevice::NoError;
+
+    failure = save(card, file);
+    // The card must not be told of a file in which a torn record hides the others.
+    return failure.isEmpty() && recordTorn ? firstFailure : failure;
 }
 
 void CardApplication::keep(unsigned short fid, std::vector<unsigned char> bytes)
@@ -52,8 +126,7 @@ void CardApplication::keep(unsigned short fid, std::vector<unsigned char> bytes)
     m_datasets[fid].bytes = std::move(bytes);
 }
 
-aux::Error
-CardApplication::read(SCardGeneric& card, bool onImage, const std::function<void(unsigned short)>& afterEf)
+aux::Error CardApplication::readRows(SCardGeneric& card, const AfterEf& afterEf)
 {
     for (const EfRow& row : m_table->rows) {
         if (row.readAt == ReadAt::Identification || !isOnCard(row, card))
@@ -63,8 +136,10 @@ CardApplication::read(SCardGeneric& card, bool onImage, const std::function<void
             readEf(card, row);
         } catch (const aux::Error& failure) {
             qDebug().noquote() << row.failureText << failure;
-            if (onImage && row.inImage == InImage::Optional)
+            if (!card.hasCard() && row.inImage == InImage::Optional)
                 continue;
+            if (m_table->efFailure == EfFailure::RowsText)
+                return withStep(failure, QLatin1String(row.failureText));
             return failure;
         }
         afterEf(row.fid);
@@ -72,15 +147,14 @@ CardApplication::read(SCardGeneric& card, bool onImage, const std::function<void
     return {};
 }
 
-aux::Error CardApplication::save(SCardGeneric& card, QFile& file) const
+aux::Error CardApplication::write(SCardGeneric& card, QFile& file) const
 {
     for (const unsigned short fid : m_table->saveOrder) {
-        const auto row = std::find_if(
-            m_table->rows.begin(), m_table->rows.end(), [fid](const EfRow& each) { return each.fid == fid; });
-        if (!isOnCard(*row, card))
+        const EfRow& row = rowOf(fid);
+        if (!isOnCard(row, card))
             continue;
         aux::Error failure = card.writeDatasetToFile(file, fid, m_table->secondGeneration, bytes(fid));
-        if (failure.isEmpty() && row->signing == Signing::Signed)
+        if (failure.isEmpty() && row.signing == Signing::Signed)
             failure =
                 card.writeSignatureToFile(file, fid, m_table->secondGeneration, m_datasets.at(fid).signature);
         if (!failure.isEmpty())
@@ -106,6 +180,37 @@ const std::vector<unsigned char>& CardApplication::bytes(unsigned short fid) con
     static const std::vector<unsigned char> none;
     const auto dataset = m_datasets.find(fid);
     return dataset == m_datasets.end() ? none : dataset->second.bytes;
+}
+
+aux::Error CardApplication::whyNotSaved(const SCardGeneric& card, const QFile& file)
+{
+    if (!file.isOpen())
+        return libraryError(QStringLiteral("saveToFile(): File not opened"));
+    if (!card.isDataValid())
+        return libraryError(QStringLiteral("saveToFile(): no valid data"));
+    if (!card.hasCard())
+        return libraryError(QStringLiteral("saveToFile(): not allowed on data read from file "));
+    return {};
+}
+
+const EfRow& CardApplication::rowOf(unsigned short fid) const
+{
+    return *std::find_if(
+        m_table->rows.begin(), m_table->rows.end(), [fid](const EfRow& row) { return row.fid == fid; });
+}
+
+aux::Error CardApplication::totalFailed(const CountsEf& ef, aux::Error failure) const
+{
+    const QString text = QLatin1String(ef.failureText);
+    qDebug().noquote() << text << failure;
+    return withOwnEntry(m_table->totalEntry, text, std::move(failure));
+}
+
+void CardApplication::readCounts(SCardGeneric& card, unsigned short fid)
+{
+    const EfRow& row = rowOf(fid);
+    const auto rowLength = static_cast<std::uint32_t>(length(card, row, row.pieces.front()));
+    keep(fid, card.readFrom<unsigned char>(fid, rowLength, 1, 0, false).front());
 }
 
 std::uint32_t CardApplication::count(SCardGeneric& card, const EfRow& row, const RecordCount& count) const

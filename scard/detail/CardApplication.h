@@ -29,49 +29,61 @@ std::vector<unsigned char> bytesOf(const Record& record)
     return {first, first + sizeof record};
 }
 
-/// The EFs of one application of a card, and the three walks over their table: what the download will
-/// move, reading, saving.
+/// Called with the FID of an EF that was read.
+using AfterEf = std::function<void(unsigned short fid)>;
+
+/// A step of the first application, done for the second.
+using FirstStep = std::function<aux::Error()>;
+
+/// What became of the first application does not decide for the second: the debug stream gets it, behind
+/// @p text.
+void discard(const char* text, const aux::Error& firstFailure);
+
+/// The EFs of one application of a card, and what the steps of a download do with them: the same for all
+/// kinds of cards, by the rows of their tables.
 class CardApplication
 {
   public:
     explicit CardApplication(const EfTable& table);
 
+    /// Selects the application and adds up what the download will move, as addUp() does. A failed selection
+    /// counts as a failure of the first counting EF: what is selected then has other counts.
+    aux::Error calcDataToRead(SCardGeneric& card);
+
+    /// Reads the counting EFs of the selected application and adds the bytes of all its rows to the total of
+    /// @p card. Error: the text of the counting EF, where the table puts it, and the reader's entries; the
+    /// debug stream gets it, too.
+    aux::Error addUp(SCardGeneric& card);
+
+    /// Selects the application by its name. Error: "read() Select DF_Tachograph failed", the same words for
+    /// both generations and all steps, where the table puts them, and the selection's entries.
+    aux::Error select(SCardGeneric& card) const;
+
+    /// Forgets what was read, takes EF_ICC and EF_IC from the identification of @p card, selects the
+    /// application and reads the rows in their order. The data are valid when no row has failed. A failure
+    /// goes to the debug stream behind the row's text and ends the walk, unless @p card is an image and the
+    /// row is optional there. Rows of version 2.2 are passed on other cards, here and in write().
+    aux::Error read(SCardGeneric& card, const AfterEf& afterEf);
+
+    /// Writes the image of this application. Errors, id 0: "saveToFile(): File not opened", "saveToFile(): no
+    /// valid data", "saveToFile(): not allowed on data read from file " or "saveToFile() Failed", where the
+    /// table puts it, and the writer's entries.
+    aux::Error save(SCardGeneric& card, QFile& file) const;
+
+    /// The same behind what @p saveFirst writes of the first application, as far as that was read. Its error
+    /// counts only when the disk took a record in part: behind such a record nobody finds the others.
+    aux::Error saveBehind(const FirstStep& saveFirst, SCardGeneric& card, QFile& file) const;
+
+    /// Writes the EFs in saving order, each with its signature behind it, as far as its row is signed.
+    /// The first failed write ends the walk and is returned as it is.
+    aux::Error write(SCardGeneric& card, QFile& file) const;
+
     /// Bytes of the rows that belong to @p onCards, by the counts of the identification EFs kept so far; a
     /// certificate's header is read from @p card.
     std::uint32_t dataToRead(SCardGeneric& card, OnCards onCards) const;
 
-    /// Selects the application by its name. Error: "read() Select DF_Tachograph failed", the same words for
-    /// both generations, with the selection's entries behind it.
-    aux::Error select(SCardGeneric& card) const;
-
-    /// Forgets what was read.
-    void clear();
-
     /// Keeps the bytes of an EF that was read outside the table's walk.
     void keep(unsigned short fid, std::vector<unsigned char> bytes);
-
-    /// Reads and keeps an identification EF of the selected application, whose counts the total needs. The
-    /// reader's error is returned as it is.
-    template <typename Record>
-    aux::Error readCounts(SCardGeneric& card, unsigned short fid)
-    {
-        try {
-            keep(fid, bytesOf(card.readFrom<Record>(fid, 0, false)));
-            return {};
-        } catch (const aux::Error& failure) {
-            return failure;
-        }
-    }
-
-    /// Reads the rows in their order from @p card, on which the application is selected; @p afterEf is
-    /// called with the FID behind each EF that was read. A failure goes to the debug stream behind the
-    /// row's text and ends the walk, unless @p onImage and the row is optional there. Rows of version 2.2
-    /// are passed on other cards, here and in save().
-    aux::Error read(SCardGeneric& card, bool onImage, const std::function<void(unsigned short)>& afterEf);
-
-    /// Writes the EFs in saving order, each with its signature behind it, as far as its row is signed.
-    /// The first failed write ends the walk and is returned as it is.
-    aux::Error save(SCardGeneric& card, QFile& file) const;
 
     /// True when the EF was read or kept.
     bool has(unsigned short fid) const;
@@ -94,8 +106,13 @@ class CardApplication
     }
 
   private:
+    static aux::Error whyNotSaved(const SCardGeneric& card, const QFile& file);
+    const EfRow& rowOf(unsigned short fid) const;
     std::uint32_t count(SCardGeneric& card, const EfRow& row, const RecordCount& count) const;
     unsigned long long length(SCardGeneric& card, const EfRow& row, const Piece& piece) const;
+    aux::Error totalFailed(const CountsEf& ef, aux::Error failure) const;
+    void readCounts(SCardGeneric& card, unsigned short fid);
+    aux::Error readRows(SCardGeneric& card, const AfterEf& afterEf);
     void readEf(SCardGeneric& card, const EfRow& row);
 
     const EfTable* m_table; ///< lives as long as the program

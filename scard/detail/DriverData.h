@@ -9,9 +9,18 @@
 #include <scard/records/Identification.h>
 #include <scard/SCardDriverG1.h>
 
+#include <QDebug>
+
 #include <vector>
 
 namespace scard::detail {
+
+/// Tells the debug stream why nothing is saved: @p text, the data-valid flag and another one.
+inline void logSaveFailed(const char* text, bool dataValid, bool flag)
+{
+    const auto word = [](bool value) { return value ? "true" : "false"; };
+    qDebug().noquote() << QByteArray(text) + word(dataValid) << word(flag);
+}
 
 /// What one application of a driver card holds, and the lists that are made of it. @p Identification is the
 /// record of its EF_Application_Identification, @p Vehicle an item of its list of vehicles.
@@ -20,12 +29,8 @@ struct DriverData
 {
     explicit DriverData(const EfTable& table) : application(table) {}
 
-    /// Forgets all but the two EFs that the card's identification has read.
-    void restart(const CardIccIdentification& icc, const CardIcIdentification& ic)
+    void clearLists()
     {
-        application.clear();
-        application.keep(fidIcc, bytesOf(icc));
-        application.keep(fidIc, bytesOf(ic));
         days.clear();
         vehicles.clear();
         events.clear();

@@ -1,8 +1,8 @@
 #include <scard/detail/DriverValues.h>
 
 #include <scard/detail/RecordFields.h>
+#include <scard/detail/RecordsByTime.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <map>
 
@@ -13,34 +13,6 @@ namespace {
 constexpr std::size_t noPointer = 0;
 constexpr std::size_t bytePointer = 1;
 constexpr std::size_t pointer = sizeof(UInt16);
-
-/// The used records of an EF behind its pointer, by the time that @p timeOf gives, each made an item by
-/// @p convert.
-template <typename Item, typename Record, typename TimeOf, typename Convert>
-std::vector<Item> byTime(const Bytes& ef, std::size_t pointerLength, TimeOf timeOf, Convert convert)
-{
-    std::vector<Record> used;
-    forEachRecord<Record>(ef, pointerLength, [&](const Record& record) {
-        if (timeOf(record).value() != 0)
-            used.push_back(record);
-    });
-    std::stable_sort(used.begin(), used.end(), [&timeOf](const Record& a, const Record& b) {
-        return timeOf(a).value() < timeOf(b).value();
-    });
-    std::vector<Item> items;
-    items.reserve(used.size());
-    for (const Record& record : used)
-        items.push_back(convert(record));
-    return items;
-}
-
-/// The same where the time is a field of its own.
-template <typename Item, typename Record, typename Convert>
-std::vector<Item> byTime(const Bytes& ef, std::size_t pointerLength, TimeReal Record::*time, Convert convert)
-{
-    const auto timeOf = [time](const Record& record) { return record.*time; };
-    return byTime<Item, Record>(ef, pointerLength, timeOf, convert);
-}
 
 /// GeoCoordinates: degrees × 1000 + minutes × 10; empty for 7FFFFF and whatever else lies off the globe.
 std::optional<double> degrees(const unsigned char (&bytes)[3], int most)

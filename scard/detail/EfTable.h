@@ -95,11 +95,16 @@ enum class OnCards
     Version2_2
 };
 
-struct EfRow
+/// An EF by its number and by the words for it.
+struct EfName
 {
     unsigned short fid;
     const char* name;        ///< as the debug stream gets it
-    const char* failureText; ///< the debug stream's words before the error; none for ReadAt::Identification
+    const char* failureText; ///< words before a failure; none for an EF that the identification reads
+};
+
+struct EfRow : EfName
+{
     std::vector<Piece> pieces;
     Signing signing = Signing::Unsigned;
     InImage inImage = InImage::Required;
@@ -107,12 +112,37 @@ struct EfRow
     OnCards onCards = OnCards::All;
 };
 
+/// An EF whose record counts the total needs.
+struct CountsEf
+{
+    unsigned short fid;
+    const char* failureText; ///< of the total's entry when it cannot be read
+};
+
+/// Where a step's own entry stands among the entries of what made it fail.
+enum class OwnEntry
+{
+    First,
+    Last
+};
+
+/// What the error of a failed EF says; the debug stream has the row's text in either case.
+enum class EfFailure
+{
+    ReadersOnly, ///< the dataset reader's entries as they are
+    RowsText     ///< the row's text behind them
+};
+
 struct EfTable
 {
     std::string applicationName;
-    bool secondGeneration = false;
+    bool secondGeneration = false;         ///< of signatures and of the image's record types
     std::vector<EfRow> rows;               ///< in reading order
     std::vector<unsigned short> saveOrder; ///< FIDs in the order of the download image
+    std::vector<CountsEf> counts;          ///< in reading order
+    OwnEntry totalEntry = OwnEntry::First; ///< of calcDataToRead()
+    OwnEntry stepEntry = OwnEntry::First;  ///< of read() and saveToFile()
+    EfFailure efFailure = EfFailure::ReadersOnly;
 };
 
 } // namespace scard::detail

@@ -1,12 +1,17 @@
 #pragma once
 
-#include <scard/records/DriverCard.h>
+#include <scard/detail/RecordFields.h>
 
 #include <QString>
 
 namespace scard::detail {
 
 /// First names, ", ", surname, both trimmed.
-QString holderName(const DriverCard_EF_Identification& identification);
+template <typename Identification>
+QString holderName(const Identification& identification)
+{
+    return nameText(identification.holderFirstNames) + QStringLiteral(", ") +
+           nameText(identification.holderSurname);
+}
 
 } // namespace scard::detail

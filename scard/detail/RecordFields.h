@@ -1,7 +1,7 @@
 #pragma once
 
 #include <scard/detail/Bytes.h>
-#include <scard/DriverCardValues.h>
+#include <scard/Nation.h>
 #include <scard/records/BigEndian.h>
 #include <scard/records/TextFields.h>
 

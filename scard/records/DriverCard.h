@@ -1,6 +1,7 @@
 #pragma once
 
 #include <scard/records/BigEndian.h>
+#include <scard/records/Identification.h>
 #include <scard/records/TextFields.h>
 
 // Records of driver cards (Annex 1C, Appendix 1 and 2), as the card's bytes.
@@ -97,14 +98,6 @@ struct CardCurrentUse
     VehicleRegistrationIdentification sessionOpenVehicle;
 };
 static_assert(sizeof(CardCurrentUse) == 19);
-
-struct FullCardNumber
-{
-    unsigned char cardType;
-    unsigned char cardIssuingMemberState; ///< NationNumeric
-    unsigned char cardNumber[16];
-};
-static_assert(sizeof(FullCardNumber) == 18);
 
 struct CardControlActivityDataRecord
 {

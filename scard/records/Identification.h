@@ -51,4 +51,13 @@ struct GenericCardApplicationIdentification
 };
 static_assert(sizeof(GenericCardApplicationIdentification) == 3);
 
+/// A card by its number, in records that other cards keep.
+struct FullCardNumber
+{
+    unsigned char cardType;
+    unsigned char cardIssuingMemberState; ///< NationNumeric
+    unsigned char cardNumber[16];
+};
+static_assert(sizeof(FullCardNumber) == 18);
+
 } // namespace scard

@@ -29,28 +29,20 @@ const EfTable& threeFiles()
         EfTable rows;
         rows.applicationName = firstGenerationApplication();
         rows.rows = {
-            {0x0001,
-             "EF_Skipped",
-             "skipped:",
+            {{0x0001, "EF_Skipped", "skipped:"},
              {{4, fixedCount(1), 1}},
              Signing::Unsigned,
              InImage::Required,
              ReadAt::Identification},
-            {0x0101,
-             "EF_Counts",
-             "counts failed:",
+            {{0x0101, "EF_Counts", "counts failed:"},
              {{1, fixedCount(2), 1}},
              Signing::Signed,
              InImage::Required},
-            {0x0102,
-             "EF_Records",
-             "records failed:",
+            {{0x0102, "EF_Records", "records failed:"},
              {{1, fixedCount(1), 1}, {2, countField(0x0101, 1, 1), 1}},
              Signing::Signed,
              InImage::Optional},
-            {0x0103,
-             "EF_Close",
-             "close failed:",
+            {{0x0103, "EF_Close", "close failed:"},
              {{1, fixedCount(1), 1}},
              Signing::Unsigned,
              InImage::Required},
@@ -78,11 +70,11 @@ std::uint32_t bytesOfAllRows(const CardApplication& application)
 class CardApplicationOnImage : public testing::Test
 {
   protected:
-    aux::Error read(const Image& image, bool onImage = true)
+    aux::Error read(const Image& image)
     {
         ImageFile file(image);
         scard::SCardGeneric card(file, QDateTime(), scard::RegionDDD);
-        return application.read(card, onImage, [this](unsigned short fid) { announced.push_back(fid); });
+        return application.read(card, [this](unsigned short fid) { announced.push_back(fid); });
     }
 
     CardApplication application{threeFiles()};
@@ -104,9 +96,9 @@ TEST_F(CardApplicationOnImage, AnnouncesEachEfThatWasReadInTheTablesOrder)
 
     EXPECT_THAT(announced, ElementsAre(0x0101, 0x0102, 0x0103));
     EXPECT_THAT(
-        test::DebugStream::lines(),
-        ElementsAre(
-            QStringLiteral("\nEF_Counts"), QStringLiteral("\nEF_Records"), QStringLiteral("\nEF_Close")));
+        test::DebugStream::lines(), ElementsAre(
+                                        QStringLiteral("read Tachograph"), QStringLiteral("\nEF_Counts"),
+                                        QStringLiteral("\nEF_Records"), QStringLiteral("\nEF_Close")));
 }
 
 TEST_F(CardApplicationOnImage, ACountOfZeroReadsTheHeadOnly)
@@ -126,16 +118,6 @@ TEST_F(CardApplicationOnImage, AMissingOptionalEfIsLoggedAndPassed)
     ASSERT_EQ(logged.size(), 1);
     EXPECT_TRUE(logged.front().startsWith(QStringLiteral("records failed: ")));
     EXPECT_TRUE(logged.front().contains(QStringLiteral("memSelectFile(): Dataset not found")));
-}
-
-TEST_F(CardApplicationOnImage, AnOptionalEfOfACardIsRequired)
-{
-    EXPECT_THAT(
-        chain(read(threeFilesImage().without(0x0102), false)),
-        ElementsAre(
-            lib("memSelectFile(): Dataset not found"), lib("readFromMem() memSelectFile() Failed: ID 102")));
-
-    EXPECT_THAT(announced, ElementsAre(0x0101));
 }
 
 TEST_F(CardApplicationOnImage, AMissingRequiredEfEndsTheWalk)
@@ -165,7 +147,7 @@ TEST_F(CardApplicationOnImage, SavesInSavingOrderWithTheSignaturesOfSignedRows)
     ASSERT_TRUE(file.open(QIODevice::ReadWrite));
     scard::SCardGeneric card(0, QDateTime(), scard::RegionDDD);
 
-    EXPECT_THAT(chain(application.save(card, file)), IsEmpty());
+    EXPECT_THAT(chain(application.write(card, file)), IsEmpty());
 
     // An image has no signatures to give: 256 zero bytes stand for each.
     const Bytes signature(256);
@@ -192,7 +174,7 @@ TEST_F(CardApplicationOnImage, SavingAnEfThatWasNotReadFails)
     scard::SCardGeneric card(0, QDateTime(), scard::RegionDDD);
 
     EXPECT_THAT(
-        chain(application.save(card, file)), ElementsAre(lib("writeDatasetToFile(): no valid data", 0)));
+        chain(application.write(card, file)), ElementsAre(lib("writeDatasetToFile(): no valid data", 0)));
 }
 
 TEST_F(CardApplicationOnImage, KnowsWhetherAllIsThereThatAnImageMustHave)
@@ -244,13 +226,14 @@ TEST_F(CardApplicationOnImage, SelectsByTheTablesName)
                                               lib("memSelectFile(): Dataset not found", 0x6A82)));
 }
 
-TEST_F(CardApplicationOnImage, ClearForgetsWhatWasRead)
+TEST_F(CardApplicationOnImage, EachReadingStartsAnew)
 {
     ASSERT_THAT(chain(read(threeFilesImage())), IsEmpty());
 
-    application.clear();
+    EXPECT_THAT(chain(read(threeFilesImage().without(0x0102))), IsEmpty());
 
-    EXPECT_THAT(application.bytes(0x0101), IsEmpty());
+    EXPECT_THAT(application.bytes(0x0101), ElementsAre(0xAB, 3));
+    EXPECT_THAT(application.bytes(0x0102), IsEmpty());
 }
 
 TEST(CardApplication, ARecordThatWasNotReadIsAllZero)

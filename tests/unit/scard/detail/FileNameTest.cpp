@@ -1,6 +1,6 @@
 #include "QtPrinters.h"
 
-#include <scard/detail/DriverFileName.h>
+#include <scard/detail/FileName.h>
 
 #include <gtest/gtest.h>
 
@@ -27,19 +27,16 @@ struct Parts
 
 std::string nameBy(FilenameRegion region, const Parts& parts)
 {
-    scard::detail::DriverFileName name;
-    name.countryCode = QString::fromLatin1(parts.country);
-    name.cardNumber = {};
-    EXPECT_EQ(parts.driverIdentification.size(), sizeof name.cardNumber.driverIdentification);
+    scard::DriverCardNumber number{};
+    EXPECT_EQ(parts.driverIdentification.size(), sizeof number.driverIdentification);
     std::memcpy(
-        name.cardNumber.driverIdentification, parts.driverIdentification.data(),
-        sizeof name.cardNumber.driverIdentification);
-    name.cardNumber.cardReplacementIndex = parts.replacementIndex;
-    name.cardNumber.cardRenewalIndex = parts.renewalIndex;
-    name.firstNames = parts.firstNames;
-    name.surname = parts.surname;
-    name.timestamp = parts.timestamp;
-    return driverFileName(region, name).toStdString();
+        number.driverIdentification, parts.driverIdentification.data(), sizeof number.driverIdentification);
+    number.cardReplacementIndex = parts.replacementIndex;
+    number.cardRenewalIndex = parts.renewalIndex;
+    return scard::detail::driverFileName(
+               region, number,
+               {QString::fromLatin1(parts.country), parts.firstNames, parts.surname, parts.timestamp})
+        .toStdString();
 }
 
 TEST(DriverFileName, EachRegionHasItsConvention)

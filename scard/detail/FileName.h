@@ -1,0 +1,36 @@
+#pragma once
+
+#include <aux/CountryCodes.h>
+#include <scard/records/DriverCard.h>
+#include <scard/records/Identification.h>
+#include <scard/SCardGeneric.h>
+#include <scard/SCardMeta.h>
+
+#include <QDateTime>
+#include <QString>
+
+namespace scard::detail {
+
+/// What the name of a download file is made of, beside the card's number.
+struct FileNameParts
+{
+    QString countryCode; ///< letters of the nation that issued the card
+    QString firstNames;  ///< decoded, blanks and all
+    QString surname;     ///< decoded, blanks and all
+    QDateTime timestamp;
+};
+
+/// The parts from an EF_Identification.
+template <typename Identification>
+FileNameParts fileNameParts(const Identification& identification, const QDateTime& timestamp)
+{
+    return {
+        aux::CountryCodes::countryCodeFromStateID(identification.cardIssuingMemberState),
+        SCardGeneric::textfieldToString(identification.holderFirstNames),
+        SCardGeneric::textfieldToString(identification.holderSurname), timestamp};
+}
+
+/// The file name by the convention @p region; empty for a region that does not exist.
+QString driverFileName(FilenameRegion region, const DriverCardNumber& number, const FileNameParts& parts);
+
+} // namespace scard::detail
