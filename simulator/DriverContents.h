@@ -2,7 +2,7 @@
 // seed. The same parameters give the same bytes on every machine.
 #pragma once
 
-#include "Bytes.h"
+#include "UsageContents.h"
 
 #include <optional>
 #include <string>
@@ -46,24 +46,11 @@ struct DriverParameters
 };
 
 /// One member for each EF, exactly as stored.
-struct DriverContents
+struct DriverContents : MasterContents, ApplicationContents, UsageContents
 {
-    Bytes icc;
-    Bytes ic;
-    Bytes applicationIdentification;
-    Bytes cardCertificate;
-    Bytes caCertificate;
     Bytes identification;
     Bytes cardDownload;
     Bytes drivingLicenceInfo;
-    Bytes eventsData;
-    Bytes faultsData;
-    Bytes driverActivityData;
-    Bytes vehiclesUsed;
-    Bytes places;
-    Bytes currentUsage;
-    Bytes controlActivityData;
-    Bytes specificConditions;
 };
 
 /// Throws std::invalid_argument for parameters no card can have (days out of range, a text the code page does

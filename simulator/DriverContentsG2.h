@@ -2,19 +2,10 @@
 // applications tell the same driver's months. The same parameters give the same bytes on every machine.
 #pragma once
 
-#include "Curve.h"
 #include "DriverContents.h"
+#include "UsageContentsG2.h"
 
 namespace sim {
-
-/// How the EFs of the certificates are filled.
-enum class CertificateFiles
-{
-    Exact,  ///< the certificate
-    Padded, ///< the certificate, then 00 up to the size of the largest one
-    Empty,  ///< 00, as many as the smallest certificate has bytes
-    Missing ///< there is no such EF
-};
 
 struct DriverParametersG2
 {
@@ -45,39 +36,14 @@ struct DriverParametersG2
 };
 
 /// One member for each EF, exactly as stored; one that the card does not have is empty.
-struct DriverContentsG2
+struct DriverContentsG2 : ApplicationContentsG2, UsageContentsG2
 {
     /// EFs of the MF and of the first-generation application.
     DriverContents first;
-    Bytes dir;
 
-    Bytes applicationIdentification;
-    Bytes cardMaCertificate;
-    Bytes cardSignCertificate;
-    Bytes caCertificate;
-    Bytes linkCertificate;
     Bytes identification;
     Bytes cardDownload;
     Bytes drivingLicenceInfo;
-    Bytes eventsData;
-    Bytes faultsData;
-    Bytes driverActivityData;
-    Bytes vehiclesUsed;
-    Bytes places;
-    Bytes currentUsage;
-    Bytes controlActivityData;
-    Bytes specificConditions;
-    Bytes vehicleUnitsUsed;
-    Bytes gnssPlaces;
-
-    // Version 2.
-    Bytes applicationIdentificationV2;
-    Bytes placesAuthentication;
-    Bytes gnssPlacesAuthentication;
-    Bytes borderCrossings;
-    Bytes loadUnloadOperations;
-    Bytes loadTypeEntries;
-    Bytes vuConfiguration;
 };
 
 /// Throws as makeDriverContents() does.

@@ -1,6 +1,5 @@
 #include "DriverJourney.h"
 
-#include "Random.h"
 #include "TimeReal.h"
 
 #include <algorithm>
@@ -332,37 +331,35 @@ std::vector<UnitUse> unitsOf(const DriverLife& life)
     return units;
 }
 
-std::vector<VehicleIdentity> identitiesOf(const DriverLife& life, Random& random)
+} // namespace
+
+VehicleIdentity makeVehicleIdentity(Random& random)
 {
     // ISO 3779: no I, O and Q.
     static const std::string Characters = "0123456789ABCDEFGHJKLMNPRSTUVWXYZ";
     static const std::vector<std::string> softwares = {"0201", "0312", "V4.0", "V5.2"};
     constexpr std::size_t VinLength = 17;
 
-    std::vector<VehicleIdentity> identities;
-    for (std::size_t i = 0; i < life.fleet.size(); ++i) {
-        VehicleIdentity identity;
-        identity.vin = "0SM"; // no real maker
-        while (identity.vin.size() < VinLength - 5) {
-            identity.vin += Characters[random.below(static_cast<std::uint32_t>(Characters.size()))];
-        }
-        identity.vin += random.digits(5);
-        identity.unitManufacturer = 0x54; // no real one
-        identity.unitId = static_cast<std::uint8_t>(random.between(1, 9));
-        identity.unitSoftware = random.pick(softwares);
-        identities.push_back(identity);
+    VehicleIdentity identity;
+    identity.vin = "0SM"; // no real maker
+    while (identity.vin.size() < VinLength - 5) {
+        identity.vin += Characters[random.below(static_cast<std::uint32_t>(Characters.size()))];
     }
-    return identities;
+    identity.vin += random.digits(5);
+    identity.unitManufacturer = 0x54; // no real one
+    identity.unitId = static_cast<std::uint8_t>(random.between(1, 9));
+    identity.unitSoftware = random.pick(softwares);
+    return identity;
 }
-
-} // namespace
 
 DriverJourney makeDriverJourney(std::uint32_t seed, std::uint8_t nation, const DriverLife& life)
 {
     DriverJourney journey = Traveller(seed, nation, life).travel();
     journey.units = unitsOf(life);
     Random random(seed, VehicleStream);
-    journey.vehicles = identitiesOf(life, random);
+    for (std::size_t i = 0; i < life.fleet.size(); ++i) {
+        journey.vehicles.push_back(makeVehicleIdentity(random));
+    }
     return journey;
 }
 

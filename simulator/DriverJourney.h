@@ -97,6 +97,8 @@ struct DriverJourney
     std::vector<VehicleIdentity> vehicles;
 };
 
+VehicleIdentity makeVehicleIdentity(Random& random);
+
 /// `nation` is the home of the life.
 DriverJourney makeDriverJourney(std::uint32_t seed, std::uint8_t nation, const DriverLife& life);
 

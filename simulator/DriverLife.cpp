@@ -1,7 +1,6 @@
 #include "DriverLife.h"
 
 #include "Nations.h"
-#include "Random.h"
 #include "TimeReal.h"
 
 #include <algorithm>
@@ -34,21 +33,6 @@ constexpr int LongestStop = 40;
 constexpr int LongestPause = 110;
 /// Work after the last stretch.
 constexpr int LongestClosing = 25;
-
-std::string makePlate(const std::string& pattern, Random& random)
-{
-    // Letters that cannot be taken for digits.
-    static const std::string Letters = "ABCDEFGHJKLMNPRSTUVWXYZ";
-    std::string plate = pattern;
-    for (char& c : plate) {
-        if (c == '@') {
-            c = Letters[random.below(static_cast<std::uint32_t>(Letters.size()))];
-        } else if (c == '#') {
-            c = static_cast<char>('0' + random.below(10));
-        }
-    }
-    return plate;
-}
 
 class Story
 {
@@ -228,8 +212,7 @@ class Story
         place.time = time;
         place.entry = entry;
         place.nation = m_country;
-        place.region = m_country == Spain ? static_cast<std::uint8_t>(m_random.between(1, SpanishRegions))
-                                          : std::uint8_t{0};
+        place.region = makeRegion(m_country, m_random);
         place.odometer = vehicle().odometer;
         m_life.places.push_back(place);
     }
@@ -405,6 +388,26 @@ class Story
 };
 
 } // namespace
+
+std::string makePlate(const std::string& pattern, Random& random)
+{
+    // Letters that cannot be taken for digits.
+    static const std::string Letters = "ABCDEFGHJKLMNPRSTUVWXYZ";
+    std::string plate = pattern;
+    for (char& c : plate) {
+        if (c == '@') {
+            c = Letters[random.below(static_cast<std::uint32_t>(Letters.size()))];
+        } else if (c == '#') {
+            c = static_cast<char>('0' + random.below(10));
+        }
+    }
+    return plate;
+}
+
+std::uint8_t makeRegion(std::uint8_t nation, Random& random)
+{
+    return nation == Spain ? static_cast<std::uint8_t>(random.between(1, SpanishRegions)) : std::uint8_t{0};
+}
 
 DriverLife makeDriverLife(std::uint32_t seed, std::uint8_t nation, std::uint32_t lastDay, int days)
 {

@@ -2,10 +2,7 @@
 // yet in its bytes, so that all EFs are written from one story and agree with each other.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-#include <string>
-#include <vector>
+#include "Random.h"
 
 namespace sim {
 
@@ -123,6 +120,11 @@ struct DriverLife
     std::vector<Stop> stops;
     std::vector<Vehicle> fleet;
 };
+
+/// '@' in the pattern becomes a letter, '#' a digit.
+std::string makePlate(const std::string& pattern, Random& random);
+/// RegionNumeric; 00 where the nation has none.
+std::uint8_t makeRegion(std::uint8_t nation, Random& random);
 
 /// `days` calendar days up to `lastDay`, which is worked and ends with the card withdrawn.
 DriverLife makeDriverLife(std::uint32_t seed, std::uint8_t nation, std::uint32_t lastDay, int days);

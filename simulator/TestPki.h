@@ -8,14 +8,20 @@
 
 namespace sim {
 
-/// Equipment types in the certificate holder authorisation.
+/// EquipmentType in certificates, card numbers, serial numbers and seals.
 enum class Equipment : std::uint8_t
 {
     MemberState = 0,
     Driver = 1,
     Workshop = 2,
     Control = 3,
-    Company = 4
+    Company = 4,
+    VehicleUnit = 6,
+    MotionSensor = 7,
+    // Second generation only.
+    GnssFacility = 8,
+    RemoteModule = 9,
+    Plaque = 11
 };
 
 struct CertificateFieldsG1

@@ -163,7 +163,7 @@ Bytes selfSigned(const EcKey& key, const Bytes& id, const Date& date)
 }
 
 Bytes cardCertificate(
-    const EcKey& key, EquipmentG2 equipment, const DriverCardHolder& holder, std::uint32_t expires)
+    const EcKey& key, EquipmentG2 equipment, const CardHolder& holder, std::uint32_t expires)
 {
     CertificateFieldsG2 fields = fieldsFor(key, equipment, holder.serialNumber);
     fields.authority = memberStateId(key.curve(), holder.nation);
@@ -242,15 +242,26 @@ Bytes caCertificateG2(Curve curve, std::uint8_t nation, int year)
     return makeCertificateG2(rootKey(curve), fields);
 }
 
-Bytes cardMaCertificateG2(Curve curve, const DriverCardHolder& holder)
+bool signsG2(Equipment equipment)
 {
-    return cardCertificate(cardMaKey(curve), EquipmentG2::DriverCard, holder, holder.expires);
+    return equipment == Equipment::Driver || equipment == Equipment::Workshop;
 }
 
-Bytes cardSignCertificateG2(Curve curve, const DriverCardHolder& holder)
+Bytes cardMaCertificateG2(Curve curve, const CardHolder& holder)
 {
-    return cardCertificate(
-        cardSignKey(curve), EquipmentG2::DriverCardSign, holder, endAfter(holder.expires + 1, 1));
+    // Both generations number the kinds of cards alike.
+    const auto equipment = static_cast<EquipmentG2>(holder.equipment);
+    return cardCertificate(cardMaKey(curve), equipment, holder, holder.expires);
+}
+
+Bytes cardSignCertificateG2(Curve curve, const CardHolder& holder)
+{
+    if (!signsG2(holder.equipment)) {
+        throw std::invalid_argument("a card without a key for signatures");
+    }
+    const EquipmentG2 equipment =
+        holder.equipment == Equipment::Driver ? EquipmentG2::DriverCardSign : EquipmentG2::WorkshopCardSign;
+    return cardCertificate(cardSignKey(curve), equipment, holder, endAfter(holder.expires + 1, 1));
 }
 
 std::shared_ptr<const Signer> cardSignerG2(Curve curve)

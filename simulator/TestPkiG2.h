@@ -4,6 +4,7 @@
 #pragma once
 
 #include "EcKey.h"
+#include "TestPki.h"
 
 namespace sim {
 
@@ -11,7 +12,11 @@ namespace sim {
 enum class EquipmentG2 : std::uint8_t
 {
     DriverCard = 0x01,
+    WorkshopCard = 0x02,
+    ControlCard = 0x03,
+    CompanyCard = 0x04,
     DriverCardSign = 0x11,
+    WorkshopCardSign = 0x12,
     Root = 0x0D,
     MemberState = 0x0E
 };
@@ -45,8 +50,8 @@ Bytes linkCertificateG2(Curve curve);
 /// EF_CA_Certificate: the Member State key that certifies the nation's cards of a year.
 Bytes caCertificateG2(Curve curve, std::uint8_t nation, int year);
 
-/// What the two certificates of a driver card have in common.
-struct DriverCardHolder
+/// What the certificates of a card have in common.
+struct CardHolder
 {
     std::uint8_t nation = 0;
     /// Extended serial number of EF_ICC.
@@ -54,12 +59,17 @@ struct DriverCardHolder
     /// TimeReal: the day of issue, and the end of the card.
     std::uint32_t issued = 0;
     std::uint32_t expires = 0;
+    Equipment equipment = Equipment::Driver;
 };
 
+/// Driver and workshop cards have a key to sign their EFs with, control and company cards have none.
+bool signsG2(Equipment equipment);
+
 /// EF_CardMA_Certificate: the key of the mutual authentication.
-Bytes cardMaCertificateG2(Curve curve, const DriverCardHolder& holder);
-/// EF_CardSignCertificate: the key that signs the EFs, valid for a month longer than the card.
-Bytes cardSignCertificateG2(Curve curve, const DriverCardHolder& holder);
+Bytes cardMaCertificateG2(Curve curve, const CardHolder& holder);
+/// EF_CardSignCertificate: the key that signs the EFs, valid for a month longer than the card. Throws
+/// std::invalid_argument for a card that has none.
+Bytes cardSignCertificateG2(Curve curve, const CardHolder& holder);
 
 /// Signs with the key of cardSignCertificateG2(); always the same object for a curve.
 std::shared_ptr<const Signer> cardSignerG2(Curve curve);

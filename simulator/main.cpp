@@ -1,8 +1,11 @@
 // scard-simcard: a simulated tachograph card in the virtual reader of a pcscd.
 
+#include "CompanyCard.h"
+#include "ControlCard.h"
 #include "DriverCard.h"
 #include "TimeReal.h"
 #include "VpcdLink.h"
+#include "WorkshopCard.h"
 
 #include <charconv>
 #include <csignal>
@@ -28,21 +31,37 @@ Reader
   --bit-rate N           line speed in bits per second (no delay)
 
 Card
-  --kind KIND            driver-g1, driver-g2, driver-g2v2 or control-g1 (driver-g1)
-  --seed N               another driver or control body (1)
+  --kind KIND            driver-g1, driver-g2, driver-g2v2, or the same with
+                         workshop, control or company (driver-g1)
+  --seed N               another holder and other contents (1)
   --nation HEX           issuing nation, NationNumeric (0D)
   --code-page N          part of ISO 8859 of all texts (1)
+  --last-day YYYY-MM-DD  the newest day of which the card tells (2024-03-05)
+  --refuse-hash SW       PERFORM HASH OF FILE answers the status word (hexadecimal)
+  --refuse-sign SW       the same for COMPUTE DIGITAL SIGNATURE
 
-Driver card (the counts hold for each of its applications)
-  --days N               days in the driver's life (60)
-  --last-day YYYY-MM-DD  the newest of them (2024-03-05)
-  --events N             events per type (12)
-  --faults N             faults per type (24)
-  --activity N           bytes of the activity buffer (13776)
-  --vehicles N           vehicle records (200)
-  --places N             place records (112)
+Driver and workshop cards (the counts hold for each application; in brackets those
+of the driver card, then those of the workshop card)
+  --events N             events per type (12, 3)
+  --faults N             faults per type (24, 6)
+  --activity N           bytes of the activity buffer (13776, 492)
+  --vehicles N           vehicle records (200, 8)
+  --places N             place records (112, 8)
   --surname S            names in UTF-8 (chosen to fit the nation)
   --first-names S
+
+Driver cards
+  --days N               days in the driver's life (60)
+
+Workshop cards
+  --calibrations N       calibration records of each application (255)
+  --used-calibrations N  calibrations made so far (40)
+
+Workshop and company cards
+  --firm S               name in UTF-8 (chosen to fit the nation)
+
+Control and company cards
+  --activities N         activity records of each application (230)
 
 Second generation
   --curve NAME           nist-p256, brainpool-p256r1, nist-p384, brainpool-p384r1,
@@ -68,8 +87,9 @@ enum Option : int
     Seed,
     Nation,
     CodePage,
-    Days,
     LastDay,
+    RefuseHash,
+    RefuseSign,
     Events,
     Faults,
     Activity,
@@ -77,6 +97,11 @@ enum Option : int
     Places,
     Surname,
     FirstNames,
+    Days,
+    Calibrations,
+    UsedCalibrations,
+    Firm,
+    Activities,
     CurveName,
     Certificates,
     PullAt,
@@ -93,8 +118,9 @@ constexpr option Options[] = {
     {"seed", required_argument, nullptr, Seed},
     {"nation", required_argument, nullptr, Nation},
     {"code-page", required_argument, nullptr, CodePage},
-    {"days", required_argument, nullptr, Days},
     {"last-day", required_argument, nullptr, LastDay},
+    {"refuse-hash", required_argument, nullptr, RefuseHash},
+    {"refuse-sign", required_argument, nullptr, RefuseSign},
     {"events", required_argument, nullptr, Events},
     {"faults", required_argument, nullptr, Faults},
     {"activity", required_argument, nullptr, Activity},
@@ -102,6 +128,11 @@ constexpr option Options[] = {
     {"places", required_argument, nullptr, Places},
     {"surname", required_argument, nullptr, Surname},
     {"first-names", required_argument, nullptr, FirstNames},
+    {"days", required_argument, nullptr, Days},
+    {"calibrations", required_argument, nullptr, Calibrations},
+    {"used-calibrations", required_argument, nullptr, UsedCalibrations},
+    {"firm", required_argument, nullptr, Firm},
+    {"activities", required_argument, nullptr, Activities},
     {"curve", required_argument, nullptr, CurveName},
     {"certificates", required_argument, nullptr, Certificates},
     {"pull-at", required_argument, nullptr, PullAt},
@@ -154,6 +185,72 @@ sim::CertificateFiles certificateFiles(const std::string& text)
     throw std::invalid_argument("unknown form of certificates: '" + text + "'");
 }
 
+/// What the options say of a card of each kind. A first-generation card takes the first part.
+struct Cards
+{
+    sim::DriverParametersG2 driver;
+    sim::WorkshopParametersG2 workshop;
+    sim::ControlParametersG2 control;
+    sim::CompanyParametersG2 company;
+
+    template <typename Change>
+    void ofEachKind(Change change)
+    {
+        change(driver);
+        change(workshop);
+        change(control);
+        change(company);
+    }
+
+    /// Both applications of the cards that are used in vehicles.
+    template <typename Change>
+    void ofEachUsed(Change change)
+    {
+        change(driver.first);
+        change(driver);
+        change(workshop.first);
+        change(workshop);
+    }
+
+    /// Both applications of the cards that are not.
+    template <typename Change>
+    void ofEachOffice(Change change)
+    {
+        change(control.first);
+        change(control);
+        change(company.first);
+        change(company);
+    }
+};
+
+template <typename Parameters>
+Parameters asVersion2(Parameters parameters)
+{
+    parameters.version2 = true;
+    return parameters;
+}
+
+struct CardKind
+{
+    const char* name;
+    sim::CardDescription (*make)(const Cards& cards);
+};
+
+constexpr CardKind CardKinds[] = {
+    {"driver-g1", [](const Cards& cards) { return sim::makeDriverCardG1(cards.driver.first); }},
+    {"driver-g2", [](const Cards& cards) { return sim::makeDriverCardG2(cards.driver); }},
+    {"driver-g2v2", [](const Cards& cards) { return sim::makeDriverCardG2(asVersion2(cards.driver)); }},
+    {"workshop-g1", [](const Cards& cards) { return sim::makeWorkshopCardG1(cards.workshop.first); }},
+    {"workshop-g2", [](const Cards& cards) { return sim::makeWorkshopCardG2(cards.workshop); }},
+    {"workshop-g2v2", [](const Cards& cards) { return sim::makeWorkshopCardG2(asVersion2(cards.workshop)); }},
+    {"control-g1", [](const Cards& cards) { return sim::makeControlCardG1(cards.control.first); }},
+    {"control-g2", [](const Cards& cards) { return sim::makeControlCardG2(cards.control); }},
+    {"control-g2v2", [](const Cards& cards) { return sim::makeControlCardG2(asVersion2(cards.control)); }},
+    {"company-g1", [](const Cards& cards) { return sim::makeCompanyCardG1(cards.company.first); }},
+    {"company-g2", [](const Cards& cards) { return sim::makeCompanyCardG2(cards.company); }},
+    {"company-g2v2", [](const Cards& cards) { return sim::makeCompanyCardG2(asVersion2(cards.company)); }},
+};
+
 struct Settings
 {
     std::string host = "127.0.0.1";
@@ -161,16 +258,25 @@ struct Settings
     std::chrono::seconds connectTimeout{10};
     std::optional<double> bitRate;
     std::string kind = "driver-g1";
-    /// A first-generation card takes the first part.
-    sim::DriverParametersG2 driver;
+    Cards cards;
+    std::optional<std::uint16_t> hashRefused;
+    std::optional<std::uint16_t> signRefused;
     std::vector<std::pair<std::size_t, sim::Fault>> faults;
     bool help = false;
 };
 
+void setLastDay(Cards& cards, std::uint32_t midnight)
+{
+    const std::uint32_t noon = midnight + sim::SecondsPerDay / 2;
+    cards.driver.first.lastDay = midnight;
+    cards.workshop.first.lastCalibration = noon;
+    cards.control.first.lastControl = noon;
+    cards.company.first.lastActivity = noon;
+}
+
 void apply(int option, const std::string& value, Settings& settings)
 {
-    sim::DriverParametersG2& second = settings.driver;
-    sim::DriverParameters& driver = second.first;
+    Cards& cards = settings.cards;
     switch (option) {
     case Host:
         settings.host = value;
@@ -188,52 +294,71 @@ void apply(int option, const std::string& value, Settings& settings)
         settings.kind = value;
         break;
     case Seed:
-        driver.seed = number<std::uint32_t>(value);
+        cards.ofEachKind([&](auto& card) { card.first.seed = number<std::uint32_t>(value); });
         break;
     case Nation:
-        driver.nation = number<std::uint8_t>(value, 16);
+        cards.ofEachKind([&](auto& card) { card.first.nation = number<std::uint8_t>(value, 16); });
         break;
     case CodePage:
-        driver.codePage = number<std::uint8_t>(value);
-        break;
-    case Days:
-        driver.days = number<std::uint16_t>(value);
+        cards.ofEachKind([&](auto& card) { card.first.codePage = number<std::uint8_t>(value); });
         break;
     case LastDay:
-        driver.lastDay = day(value);
+        setLastDay(cards, day(value));
+        break;
+    case RefuseHash:
+        settings.hashRefused = number<std::uint16_t>(value, 16);
+        break;
+    case RefuseSign:
+        settings.signRefused = number<std::uint16_t>(value, 16);
         break;
     case Events:
-        driver.eventsPerType = number<std::uint8_t>(value);
-        second.eventsPerType = driver.eventsPerType;
+        cards.ofEachUsed([&](auto& card) { card.eventsPerType = number<std::uint8_t>(value); });
         break;
     case Faults:
-        driver.faultsPerType = number<std::uint8_t>(value);
-        second.faultsPerType = driver.faultsPerType;
+        cards.ofEachUsed([&](auto& card) { card.faultsPerType = number<std::uint8_t>(value); });
         break;
     case Activity:
-        driver.activityLength = number<std::uint16_t>(value);
-        second.activityLength = driver.activityLength;
+        cards.ofEachUsed([&](auto& card) { card.activityLength = number<std::uint16_t>(value); });
         break;
     case Vehicles:
-        driver.vehicles = number<std::uint16_t>(value);
-        second.vehicles = driver.vehicles;
+        cards.ofEachUsed([&](auto& card) { card.vehicles = number<std::uint16_t>(value); });
         break;
     case Places:
-        driver.places = number<std::uint8_t>(value);
-        second.places = driver.places;
+        cards.ofEachUsed([&](auto& card) { card.places = number<std::uint8_t>(value); });
         break;
     case Surname:
-        driver.surname = value;
+        cards.driver.first.surname = value;
+        cards.workshop.first.surname = value;
         break;
     case FirstNames:
-        driver.firstNames = value;
+        cards.driver.first.firstNames = value;
+        cards.workshop.first.firstNames = value;
+        break;
+    case Days:
+        cards.driver.first.days = number<std::uint16_t>(value);
+        break;
+    case Calibrations:
+        cards.workshop.first.calibrations = number<std::uint8_t>(value);
+        cards.workshop.calibrations = cards.workshop.first.calibrations;
+        break;
+    case UsedCalibrations:
+        cards.workshop.first.usedCalibrations = number<std::uint16_t>(value);
+        break;
+    case Firm:
+        cards.workshop.first.workshopName = value;
+        cards.company.first.companyName = value;
+        break;
+    case Activities:
+        cards.ofEachOffice([&](auto& card) { card.activityRecords = number<std::uint16_t>(value); });
         break;
     case CurveName:
-        second.curve = sim::curveOf(value);
+        cards.ofEachKind([&](auto& card) { card.curve = sim::curveOf(value); });
         break;
     case Certificates:
-        second.certificateFiles = certificateFiles(value);
-        second.linkCertificate = second.certificateFiles;
+        cards.ofEachKind([&](auto& card) {
+            card.certificateFiles = certificateFiles(value);
+            card.linkCertificate = card.certificateFiles;
+        });
         break;
     case PullAt:
         settings.faults.emplace_back(number<std::uint32_t>(value), sim::Fault::pulled());
@@ -274,20 +399,13 @@ Settings parse(int argc, char** argv)
 
 sim::CardDescription describe(const Settings& settings)
 {
-    if (settings.kind == "driver-g1") {
-        return sim::makeDriverCardG1(settings.driver.first);
-    }
-    if (settings.kind == "driver-g2" || settings.kind == "driver-g2v2") {
-        sim::DriverParametersG2 driver = settings.driver;
-        driver.version2 = settings.kind == "driver-g2v2";
-        return sim::makeDriverCardG2(driver);
-    }
-    if (settings.kind == "control-g1") {
-        sim::ControlParameters control;
-        control.seed = settings.driver.first.seed;
-        control.nation = settings.driver.first.nation;
-        control.codePage = settings.driver.first.codePage;
-        return sim::makeControlCardG1(control);
+    for (const CardKind& kind : CardKinds) {
+        if (settings.kind == kind.name) {
+            sim::CardDescription card = kind.make(settings.cards);
+            card.switches.hashRefused = settings.hashRefused;
+            card.switches.signRefused = settings.signRefused;
+            return card;
+        }
     }
     throw std::invalid_argument("unknown kind of card: '" + settings.kind + "'");
 }

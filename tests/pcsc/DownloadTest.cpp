@@ -5,6 +5,7 @@
 #include "ExpectedDownload.h"
 
 #include <scard/SCardDriverG1.h>
+#include <simulator/ControlCard.h>
 #include <simulator/TestPki.h>
 #include <simulator/VerifyG1.h>
 #include <support/DebugStream.h>

@@ -51,20 +51,6 @@ std::map<std::uint16_t, std::size_t> sizesOf(const std::vector<sim::FileDescript
     return sizes;
 }
 
-Bytes everything(const sim::CardDescription& card)
-{
-    Bytes all = card.atr;
-    for (const sim::FileDescription& file : card.masterFiles) {
-        sim::appendBytes(all, file.content);
-    }
-    for (const sim::ApplicationDescription& application : card.applications) {
-        for (const sim::FileDescription& file : application.files) {
-            sim::appendBytes(all, file.content);
-        }
-    }
-    return all;
-}
-
 /// The used records of a cyclic EF with a pointer of two bytes, from the oldest to the newest; `time` is the
 /// place of the time stamp in a record.
 std::vector<Bytes> records(const Bytes& file, std::size_t length, std::size_t time = 0)
@@ -259,7 +245,7 @@ TEST(DriverCardG2Identification, namesItsVersion)
         toHex(makeDriverContentsG2(version1()).first.applicationIdentification),
         "01 00 00 0C 18 35 D0 00 C8 70");
     EXPECT_EQ(
-        toHex(makeDriverContentsG2(version1()).dir),
+        toHex(makeDriverContentsG2(version1()).first.dir),
         "61 08 4F 06 FF 54 41 43 48 4F 61 08 4F 06 FF 53 4D 52 44 54");
 }
 
@@ -282,14 +268,16 @@ TEST(DriverCardG2Seed, givesAnotherDriverForAnotherNumber)
 {
     const DriverContentsG2 first = makeDriverContentsG2(version2(1));
     const DriverContentsG2 second = makeDriverContentsG2(version2(2));
-    for (Bytes DriverContentsG2::*const file :
-         {&DriverContentsG2::cardMaCertificate, &DriverContentsG2::cardSignCertificate,
-          &DriverContentsG2::identification, &DriverContentsG2::drivingLicenceInfo,
-          &DriverContentsG2::eventsData, &DriverContentsG2::faultsData, &DriverContentsG2::driverActivityData,
-          &DriverContentsG2::vehiclesUsed, &DriverContentsG2::places, &DriverContentsG2::vehicleUnitsUsed,
-          &DriverContentsG2::gnssPlaces, &DriverContentsG2::placesAuthentication,
-          &DriverContentsG2::gnssPlacesAuthentication, &DriverContentsG2::borderCrossings,
-          &DriverContentsG2::loadUnloadOperations, &DriverContentsG2::loadTypeEntries}) {
+    using File = Bytes DriverContentsG2::*;
+    for (const File file : std::initializer_list<File>{
+             &DriverContentsG2::cardMaCertificate, &DriverContentsG2::cardSignCertificate,
+             &DriverContentsG2::identification, &DriverContentsG2::drivingLicenceInfo,
+             &DriverContentsG2::eventsData, &DriverContentsG2::faultsData,
+             &DriverContentsG2::driverActivityData, &DriverContentsG2::vehiclesUsed,
+             &DriverContentsG2::places, &DriverContentsG2::vehicleUnitsUsed, &DriverContentsG2::gnssPlaces,
+             &DriverContentsG2::placesAuthentication, &DriverContentsG2::gnssPlacesAuthentication,
+             &DriverContentsG2::borderCrossings, &DriverContentsG2::loadUnloadOperations,
+             &DriverContentsG2::loadTypeEntries}) {
         EXPECT_NE(first.*file, second.*file);
     }
 }

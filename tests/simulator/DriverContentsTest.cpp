@@ -1,6 +1,7 @@
 // The contents of a driver card, read back byte by byte with nothing of the code that wrote them.
 
 #include "Card.h"
+#include "ControlCard.h"
 #include "DriverCard.h"
 #include "ReadBack.h"
 #include "RowName.h"

@@ -19,7 +19,7 @@ const Bytes SerialNumber = fromHex("12 34 56 78 03 24 01 54");
 const std::uint32_t Issued = sim::timeOf({2021, 9, 14});
 const std::uint32_t Expires = sim::timeOf({2026, 9, 14}) - 1;
 
-sim::DriverCardHolder holder(std::uint8_t nation = 0x0D)
+sim::CardHolder holder(std::uint8_t nation = 0x0D)
 {
     return {nation, SerialNumber, Issued, Expires};
 }
@@ -150,6 +150,27 @@ TEST_P(CertificatesG2, areTheSameEachTime)
     EXPECT_EQ(sim::cardSignCertificateG2(m_curve, holder()), sim::cardSignCertificateG2(m_curve, holder()));
     EXPECT_EQ(sim::cardSignerG2(m_curve), sim::cardSignerG2(m_curve));
     EXPECT_EQ(sim::cardSignerG2(m_curve)->signatureLength(), GetParam().signatureLength());
+}
+
+TEST_P(CertificatesG2, nameTheKindOfCard)
+{
+    const auto authorisation = [&](const Bytes& certificate) {
+        return toHex(sim::verifyCertificateG2(certificate, memberState(m_curve)).value().authorisation);
+    };
+    const std::pair<sim::Equipment, const char*> kinds[] = {
+        {sim::Equipment::Workshop, "FF 53 4D 52 44 54 02"},
+        {sim::Equipment::Control, "FF 53 4D 52 44 54 03"},
+        {sim::Equipment::Company, "FF 53 4D 52 44 54 04"}};
+    for (const auto& [equipment, expected] : kinds) {
+        sim::CardHolder card = holder();
+        card.equipment = equipment;
+        EXPECT_EQ(authorisation(sim::cardMaCertificateG2(m_curve, card)), expected);
+        if (equipment == sim::Equipment::Workshop) {
+            EXPECT_EQ(authorisation(sim::cardSignCertificateG2(m_curve, card)), "FF 53 4D 52 44 54 12");
+        } else {
+            EXPECT_THROW(sim::cardSignCertificateG2(m_curve, card), std::invalid_argument);
+        }
+    }
 }
 
 std::string curveName(const testing::TestParamInfo<sim::CurveDescription>& tested)

@@ -21,6 +21,26 @@ int readBcd(const Bytes& bytes, std::size_t offset)
     return value;
 }
 
+std::string textOf(const Bytes& bytes, std::size_t offset, std::size_t length)
+{
+    const Bytes part = sim::slice(bytes, offset, length);
+    return std::string(part.begin(), part.end());
+}
+
+Bytes everything(const sim::CardDescription& card)
+{
+    Bytes all = card.atr;
+    for (const sim::FileDescription& file : card.masterFiles) {
+        sim::appendBytes(all, file.content);
+    }
+    for (const sim::ApplicationDescription& application : card.applications) {
+        for (const sim::FileDescription& file : application.files) {
+            sim::appendBytes(all, file.content);
+        }
+    }
+    return all;
+}
+
 std::vector<DayRecord> walk(const Bytes& file)
 {
     const std::size_t capacity = file.size() - 4;

@@ -1,13 +1,18 @@
 // A card's bytes taken apart again, with nothing of the code that wrote them.
 #pragma once
 
-#include "Bytes.h"
+#include "CardDescription.h"
 
 constexpr std::uint32_t SecondsPerDay = 86400;
 
 std::uint32_t readU24(const sim::Bytes& bytes, std::size_t offset);
 /// 1234 from 12 34; -1 when a digit is none.
 int readBcd(const sim::Bytes& bytes, std::size_t offset);
+
+std::string textOf(const sim::Bytes& bytes, std::size_t offset, std::size_t length);
+
+/// ATR and all EFs of a card, one after the other.
+sim::Bytes everything(const sim::CardDescription& card);
 
 struct DayRecord
 {

@@ -1,9 +1,11 @@
 // The program scard-simcard as its user sees it: options, output, exit codes.
 
 #include "Card.h"
+#include "CompanyCard.h"
 #include "DriverCard.h"
 #include "FakeReader.h"
 #include "RowName.h"
+#include "WorkshopCard.h"
 
 #include <array>
 #include <csignal>
@@ -254,14 +256,169 @@ TEST(SimcardProgram, knowsEveryCurveAndFormOfCertificates)
     EXPECT_EQ(sizeOfCertificate("nist-p384", "missing"), 0u);
 }
 
-TEST(SimcardProgram, servesAControlCard)
+struct KindRow
+{
+    const char* name;
+    const char* kind;
+    /// The first three bytes of EF_Application_Identification in each application.
+    const char* first;
+    const char* second;
+    /// Of version 2.
+    const char* applicationIdentificationV2;
+};
+
+void PrintTo(const KindRow& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
+class KindOfCard : public testing::TestWithParam<KindRow>
+{};
+
+TEST_P(KindOfCard, isServed)
 {
     FakeReader reader;
-    Program program({"--port", std::to_string(reader.port()), "--kind", "control-g1"});
+    Program program(
+        {"--port", std::to_string(reader.port()), "--kind", GetParam().kind, "--curve", "brainpool-p256r1",
+         "--last-day", "2024-06-18"});
     ASSERT_TRUE(reader.acceptCard());
+    EXPECT_EQ(
+        program.firstLine(), std::string("Card of kind ") + GetParam().kind +
+                                 " is in the reader at 127.0.0.1:" + std::to_string(reader.port()));
     ask(reader, "00 A4 04 0C 06 FF 54 41 43 48 4F");
     ask(reader, "00 A4 02 0C 02 05 01");
-    EXPECT_EQ(ask(reader, "00 B0 00 00 05"), "03 00 00 00 E6 90 00");
+    EXPECT_EQ(ask(reader, "00 B0 00 00 03"), GetParam().first + std::string(" 90 00"));
+    const bool isSecond = GetParam().second != std::string();
+    EXPECT_EQ(ask(reader, "00 A4 04 0C 06 FF 53 4D 52 44 54"), isSecond ? "90 00" : "6A 82");
+    if (isSecond) {
+        EXPECT_EQ(ask(reader, "00 B0 81 00 03"), GetParam().second + std::string(" 90 00"));
+        EXPECT_EQ(ask(reader, "00 B0 82 00 04"), "7F 21 81 C9 90 00") << "a certificate of the chosen curve";
+        const bool isVersion2 = GetParam().applicationIdentificationV2 != std::string();
+        EXPECT_EQ(
+            ask(reader, "00 B0 96 00 02"),
+            isVersion2 ? GetParam().applicationIdentificationV2 + std::string(" 90 00") : "6A 82");
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, KindOfCard,
+    testing::Values(
+        KindRow{"driverG1", "driver-g1", "01 00 00", "", ""},
+        KindRow{"driverG2", "driver-g2", "01 00 00", "01 01 00", ""},
+        KindRow{"driverG2v2", "driver-g2v2", "01 00 00", "01 01 01", "00 08"},
+        KindRow{"workshopG1", "workshop-g1", "02 00 00", "", ""},
+        KindRow{"workshopG2", "workshop-g2", "02 00 00", "02 01 00", ""},
+        KindRow{"workshopG2v2", "workshop-g2v2", "02 00 00", "02 01 01", "00 08"},
+        KindRow{"controlG1", "control-g1", "03 00 00", "", ""},
+        KindRow{"controlG2", "control-g2", "03 00 00", "03 01 00", ""},
+        KindRow{"controlG2v2", "control-g2v2", "03 00 00", "03 01 01", "00 02"},
+        KindRow{"companyG1", "company-g1", "04 00 00", "", ""},
+        KindRow{"companyG2", "company-g2", "04 00 00", "04 01 00", ""},
+        KindRow{"companyG2v2", "company-g2v2", "04 00 00", "04 01 01", "00 02"}),
+    RowName());
+
+std::string readAll(FakeReader& reader, const char* select, std::size_t size)
+{
+    ask(reader, select);
+    return ask(reader, ("00 B0 00 00 " + toHex({static_cast<std::uint8_t>(size)})).c_str());
+}
+
+TEST(SimcardProgram, servesTheWorkshopCardThatItsOptionsDescribe)
+{
+    sim::WorkshopParametersG2 parameters;
+    parameters.first.seed = 5;
+    parameters.first.nation = 0x28;
+    parameters.first.codePage = 2;
+    parameters.first.lastCalibration = 1718712000; // 2024-06-18 12:00
+    parameters.first.calibrations = 88;
+    parameters.calibrations = 88;
+    parameters.first.usedCalibrations = 100;
+    parameters.first.vehicles = 4;
+    parameters.vehicles = 4;
+    parameters.first.workshopName = "Łoś";
+    parameters.first.surname = "Łoś";
+    parameters.first.firstNames = "Ewa";
+    const sim::Card expected(sim::makeWorkshopCardG2(parameters));
+
+    FakeReader reader;
+    Program program(
+        {"--port",
+         std::to_string(reader.port()),
+         "--kind",
+         "workshop-g2",
+         "--seed",
+         "5",
+         "--nation",
+         "28",
+         "--code-page",
+         "2",
+         "--last-day",
+         "2024-06-18",
+         "--calibrations",
+         "88",
+         "--used-calibrations",
+         "100",
+         "--vehicles",
+         "4",
+         "--firm",
+         "Łoś",
+         "--surname",
+         "Łoś",
+         "--first-names",
+         "Ewa"});
+    ASSERT_TRUE(reader.acceptCard());
+    for (const auto& [select, aid] :
+         {std::make_pair("00 A4 04 0C 06 FF 54 41 43 48 4F", sim::AidG1),
+          std::make_pair("00 A4 04 0C 06 FF 53 4D 52 44 54", sim::AidG2)}) {
+        ask(reader, select);
+        EXPECT_EQ(
+            readAll(reader, "00 A4 02 0C 02 05 20", 211), toHex(*expected.file(aid, 0x0520)) + " 90 00");
+        const Bytes& calibration = *expected.file(aid, 0x050A);
+        EXPECT_EQ(
+            readAll(reader, "00 A4 02 0C 02 05 0A", 255), toHex(sim::slice(calibration, 0, 255)) + " 90 00");
+        Bytes end;
+        sim::appendU16(end, static_cast<std::uint32_t>(calibration.size()));
+        EXPECT_EQ(ask(reader, ("00 B0 " + toHex(end) + " 01").c_str()), "67 00");
+        const Bytes& vehicles = *expected.file(aid, 0x0505);
+        EXPECT_EQ(readAll(reader, "00 A4 02 0C 02 05 05", vehicles.size()), toHex(vehicles) + " 90 00");
+    }
+}
+
+TEST(SimcardProgram, servesTheCompanyCardThatItsOptionsDescribe)
+{
+    sim::CompanyParametersG2 parameters;
+    parameters.first.seed = 5;
+    parameters.first.companyName = "Spedition Ost";
+    parameters.first.activityRecords = 3;
+    parameters.activityRecords = 3;
+    const sim::Card expected(sim::makeCompanyCardG2(parameters));
+
+    FakeReader reader;
+    Program program(
+        {"--port", std::to_string(reader.port()), "--kind", "company-g2", "--seed", "5", "--firm",
+         "Spedition Ost", "--activities", "3", "--refuse-hash", "6D00"});
+    ASSERT_TRUE(reader.acceptCard());
+    ask(reader, "00 A4 04 0C 06 FF 54 41 43 48 4F");
+    EXPECT_EQ(
+        readAll(reader, "00 A4 02 0C 02 05 0D", 140), toHex(*expected.file(sim::AidG1, 0x050D)) + " 90 00");
+    EXPECT_EQ(ask(reader, "80 2A 90 00"), "6D 00");
+    ask(reader, "00 A4 04 0C 06 FF 53 4D 52 44 54");
+    EXPECT_EQ(
+        readAll(reader, "00 A4 02 0C 02 05 20", 139), toHex(*expected.file(sim::AidG2, 0x0520)) + " 90 00");
+    EXPECT_EQ(
+        readAll(reader, "00 A4 02 0C 02 05 0D", 140), toHex(*expected.file(sim::AidG2, 0x050D)) + " 90 00");
+}
+
+TEST(SimcardProgram, refusesToSignWhereItIsToldTo)
+{
+    FakeReader reader;
+    Program program(
+        {"--port", std::to_string(reader.port()), "--kind", "control-g1", "--refuse-sign", "6982"});
+    ASSERT_TRUE(reader.acceptCard());
+    ask(reader, "00 A4 04 0C 06 FF 54 41 43 48 4F");
+    EXPECT_EQ(readAll(reader, "00 A4 02 0C 02 05 01", 5), "03 00 00 00 E6 90 00");
+    EXPECT_EQ(ask(reader, "80 2A 90 00"), "90 00");
+    EXPECT_EQ(ask(reader, "00 2A 9E 9A 80"), "69 82");
 }
 
 TEST(SimcardProgram, failsAndPullsTheCardAtTheChosenCommands)
@@ -333,6 +490,10 @@ INSTANTIATE_TEST_SUITE_P(
         ArgumentRow{"aDateWithoutHyphens", {"--last-day", "20240305"}},
         ArgumentRow{"aDateWithoutDay", {"--last-day", "2024-03"}},
         ArgumentRow{"anUnknownKind", {"--kind", "driver-g9"}},
+        ArgumentRow{"aWorkshopWithTooManyRecords", {"--kind", "workshop-g1", "--calibrations", "256"}},
+        ArgumentRow{"aControlCardWithoutActivities", {"--kind", "control-g2", "--activities", "0"}},
+        ArgumentRow{"aRefusalWithoutStatusWord", {"--refuse-hash", ""}},
+        ArgumentRow{"aRefusalThatIsASuccess", {"--refuse-sign", "9000"}},
         ArgumentRow{"anUnknownCurve", {"--curve", "P-256"}},
         ArgumentRow{"anUnknownFormOfCertificates", {"--certificates", "none"}},
         ArgumentRow{"aSecondGenerationWithoutPlaces", {"--kind", "driver-g2", "--places", "0"}},

@@ -3,6 +3,7 @@
 
 #include <pcsc/Answers.h>
 #include <pcsc/ExpectedDownload.h>
+#include <simulator/ControlCard.h>
 #include <support/DebugStream.h>
 
 #include <QFile>

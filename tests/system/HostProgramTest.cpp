@@ -3,6 +3,7 @@
 
 #include <pcsc/ExpectedDownload.h>
 #include <scard/SCardDriverG1.h>
+#include <simulator/ControlCard.h>
 #include <support/PcscPresence.h>
 
 #include <QFile>
