@@ -15,7 +15,6 @@
 namespace scard {
 
 using detail::ledByStep;
-using detail::libraryError;
 
 struct SCardDriverG1::Private
     : detail::DriverData<DriverCardApplicationIdentification_g1, SCardDriverG1::_VEHICLE_USAGE_INFO>
@@ -67,12 +66,7 @@ aux::Error SCardDriverG1::saveToFile(QFile& file)
 
 aux::Error SCardDriverG1::postDownloadTasks()
 {
-    if (hasImageOnly())
-        return {};
-    aux::Error failure = d->application.select(*this);
-    if (!failure.isEmpty())
-        return failure;
-    return updateLastCardDownload();
+    return d->application.writeBack(*this, [this] { return updateLastCardDownload(); });
 }
 
 DriverCard_EF_Identification SCardDriverG1::getCardIdentification()
@@ -220,17 +214,10 @@ void SCardDriverG1::constructFilename()
 
 aux::Error SCardDriverG1::updateLastCardDownload()
 {
-    if (!isDataValid())
-        return libraryError(QStringLiteral("updateLastCardDownload(): no valid data"));
     const auto now = static_cast<std::uint32_t>(QDateTime::currentSecsSinceEpoch() & 0xFFFFFFFF);
-    const auto stamp = toBigEndian<4>(now);
-    aux::Error failure = writeTo(detail::fidCardDownload, stamp.size(), stamp.data());
-    if (failure.isEmpty())
-        return {};
-    return ledByStep(
-        QStringLiteral("updateLastCardDownload() writeTo() Failed: ID ") +
-            detail::hexFid(detail::fidCardDownload),
-        std::move(failure));
+    const auto stamp = toBigEndian<sizeof(TimeReal)>(now);
+    return detail::CardApplication::recordDownload(
+        *this, detail::fidCardDownload, {stamp.begin(), stamp.end()});
 }
 
 void SCardDriverG1::announceHolder()

@@ -58,15 +58,10 @@ aux::Error SCardDriverG2::saveToFile(QFile& file)
 
 aux::Error SCardDriverG2::postDownloadTasks()
 {
-    if (hasImageOnly())
-        return {};
     aux::Error failure = SCardDriverG1::postDownloadTasks();
     if (!failure.isEmpty())
         return failure;
-    failure = d->application.select(*this);
-    if (!failure.isEmpty())
-        return failure;
-    return updateLastCardDownload();
+    return d->application.writeBack(*this, [this] { return updateLastCardDownload(); });
 }
 
 DriverCard_EF_Identification SCardDriverG2::getCardIdentification()

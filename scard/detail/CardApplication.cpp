@@ -14,6 +14,8 @@ namespace scard::detail {
 
 namespace {
 
+constexpr std::size_t largestRecord = 0xFFFF;
+
 bool isOnCard(const EfRow& row, const SCardGeneric& card)
 {
     return row.onCards == OnCards::All || card.is2_2Generation();
@@ -79,16 +81,22 @@ aux::Error CardApplication::select(SCardGeneric& card) const
         m_table->stepEntry, QStringLiteral("read() Select DF_Tachograph failed"), std::move(failure));
 }
 
+void CardApplication::clear()
+{
+    m_datasets.clear();
+}
+
 aux::Error CardApplication::read(SCardGeneric& card, const AfterEf& afterEf)
 {
     card.setDataValid(false);
-    m_datasets.clear();
+    clear();
     keep(fidIcc, bytesOf(card.iccIdentification()));
     keep(fidIc, bytesOf(card.icIdentification()));
 
     aux::Error failure = select(card);
     if (failure.isEmpty()) {
-        qDebug() << "read Tachograph";
+        if (m_table->readingText)
+            qDebug().noquote() << m_table->readingText;
         failure = readRows(card, afterEf);
     }
     card.setDataValid(failure.isEmpty());
@@ -106,7 +114,7 @@ aux::Error CardApplication::save(SCardGeneric& card, QFile& file) const
     return withOwnEntry(m_table->stepEntry, QStringLiteral("saveToFile() Failed"), std::move(failure));
 }
 
-aux::Error CardApplication::saveBehind(const FirstStep& saveFirst, SCardGeneric& card, QFile& file) const
+aux::Error CardApplication::saveBehind(const Step& saveFirst, SCardGeneric& card, QFile& file) const
 {
     aux::Error failure = whyNotSaved(card, file);
     if (!failure.isEmpty())
@@ -182,6 +190,28 @@ const std::vector<unsigned char>& CardApplication::bytes(unsigned short fid) con
     return dataset == m_datasets.end() ? none : dataset->second.bytes;
 }
 
+aux::Error CardApplication::writeBack(SCardGeneric& card, const Step& task) const
+{
+    if (card.hasImageOnly())
+        return {};
+    aux::Error failure = select(card);
+    return failure.isEmpty() ? task() : failure;
+}
+
+aux::Error CardApplication::recordDownload(
+    SCardGeneric& card, unsigned short fid, const std::vector<unsigned char>& bytes)
+{
+    if (!card.isDataValid())
+        return libraryError(QStringLiteral("updateLastCardDownload(): no valid data"));
+    aux::Error failure = card.writeTo(fid, static_cast<unsigned short>(bytes.size()), bytes.data());
+    if (failure.isEmpty())
+        return {};
+    // The driver card's file, whichever was written: hosts know the text.
+    return ledByStep(
+        QStringLiteral("updateLastCardDownload() writeTo() Failed: ID ") + hexFid(fidCardDownload),
+        std::move(failure));
+}
+
 aux::Error CardApplication::whyNotSaved(const SCardGeneric& card, const QFile& file)
 {
     if (!file.isOpen())
@@ -240,6 +270,10 @@ void CardApplication::readEf(SCardGeneric& card, const EfRow& row)
     for (const Piece& piece : row.pieces) {
         const auto offset = static_cast<unsigned short>(dataset.bytes.size());
         const auto pieceLength = static_cast<std::uint32_t>(length(card, row, piece));
+        // The length of a record has two bytes: a longer one would hide all behind it.
+        if (card.hasCard() && offset > 0 && dataset.bytes.size() + std::size_t{pieceLength} > largestRecord)
+            throw libraryError(
+                QStringLiteral("readFrom() dataset exceeds 65535 bytes: ID ") + hexFid(row.fid));
         std::vector<std::vector<unsigned char>> read =
             card.readFrom<unsigned char>(row.fid, pieceLength, 1, offset, true);
         if (dataset.bytes.empty())

@@ -32,8 +32,8 @@ std::vector<unsigned char> bytesOf(const Record& record)
 /// Called with the FID of an EF that was read.
 using AfterEf = std::function<void(unsigned short fid)>;
 
-/// A step of the first application, done for the second.
-using FirstStep = std::function<aux::Error()>;
+/// A step of a card class.
+using Step = std::function<aux::Error()>;
 
 /// What became of the first application does not decide for the second: the debug stream gets it, behind
 /// @p text.
@@ -59,6 +59,9 @@ class CardApplication
     /// both generations and all steps, where the table puts them, and the selection's entries.
     aux::Error select(SCardGeneric& card) const;
 
+    /// Forgets what was read.
+    void clear();
+
     /// Forgets what was read, takes EF_ICC and EF_IC from the identification of @p card, selects the
     /// application and reads the rows in their order. The data are valid when no row has failed. A failure
     /// goes to the debug stream behind the row's text and ends the walk, unless @p card is an image and the
@@ -72,7 +75,17 @@ class CardApplication
 
     /// The same behind what @p saveFirst writes of the first application, as far as that was read. Its error
     /// counts only when the disk took a record in part: behind such a record nobody finds the others.
-    aux::Error saveBehind(const FirstStep& saveFirst, SCardGeneric& card, QFile& file) const;
+    aux::Error saveBehind(const Step& saveFirst, SCardGeneric& card, QFile& file) const;
+
+    /// Selects the application and does @p task, which writes to it; nothing on an image. Error: select()'s,
+    /// or the task's.
+    aux::Error writeBack(SCardGeneric& card, const Step& task) const;
+
+    /// Writes what the card keeps of a download to the start of an EF of the selected application. Errors, of
+    /// every kind of card: "updateLastCardDownload(): no valid data" (0), "updateLastCardDownload() writeTo()
+    /// Failed: ID 50e" with the write's id and its entries behind it.
+    static aux::Error
+    recordDownload(SCardGeneric& card, unsigned short fid, const std::vector<unsigned char>& bytes);
 
     /// Writes the EFs in saving order, each with its signature behind it, as far as its row is signed.
     /// The first failed write ends the walk and is returned as it is.

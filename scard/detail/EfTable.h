@@ -140,6 +140,7 @@ struct EfTable
     std::vector<EfRow> rows;               ///< in reading order
     std::vector<unsigned short> saveOrder; ///< FIDs in the order of the download image
     std::vector<CountsEf> counts;          ///< in reading order
+    const char* readingText = nullptr;     ///< of the debug stream when reading begins
     OwnEntry totalEntry = OwnEntry::First; ///< of calcDataToRead()
     OwnEntry stepEntry = OwnEntry::First;  ///< of read() and saveToFile()
     EfFailure efFailure = EfFailure::ReadersOnly;

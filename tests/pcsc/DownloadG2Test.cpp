@@ -424,6 +424,20 @@ TEST_F(DownloadG2Test, CountsThatNoCardHasEndTheDownload)
     EXPECT_FALSE(stamped(sim::AidG1));
 }
 
+TEST_F(DownloadG2Test, AnEfThatIsTooLongTogetherWithItsPointersEndsTheDownload)
+{
+    // 65,532 bytes of days, each of which could be read, behind two pointers of two bytes.
+    sim::Bytes identification = *card().file(sim::AidG2, 0x0501);
+    identification[5] = 0xFF;
+    identification[6] = 0xFC;
+    card().setFile(sim::AidG2, 0x0501, identification);
+    EXPECT_THAT(
+        chain(download().failure),
+        ElementsAre(lib("readFrom() dataset exceeds 65535 bytes: ID 504"), lib("Failed reading card data")));
+    EXPECT_EQ(commands().back(), "00 B0 00 02 02");
+    EXPECT_FALSE(stamped(sim::AidG1));
+}
+
 TEST_F(DownloadG2Test, ACardWithoutAnyRecordsHasNothingToSaveForItsEvents)
 {
     insert(driverCardV2());

@@ -96,9 +96,59 @@ TEST_F(CardApplicationOnImage, AnnouncesEachEfThatWasReadInTheTablesOrder)
 
     EXPECT_THAT(announced, ElementsAre(0x0101, 0x0102, 0x0103));
     EXPECT_THAT(
-        test::DebugStream::lines(), ElementsAre(
-                                        QStringLiteral("read Tachograph"), QStringLiteral("\nEF_Counts"),
-                                        QStringLiteral("\nEF_Records"), QStringLiteral("\nEF_Close")));
+        test::DebugStream::lines(),
+        ElementsAre(
+            QStringLiteral("\nEF_Counts"), QStringLiteral("\nEF_Records"), QStringLiteral("\nEF_Close")));
+}
+
+TEST_F(CardApplicationOnImage, SaysThatReadingBeginsWithTheTablesWords)
+{
+    EfTable table = threeFiles();
+    table.readingText = "now reading";
+    application = CardApplication(table);
+    EXPECT_THAT(chain(read(threeFilesImage())), IsEmpty());
+    ASSERT_EQ(test::DebugStream::lines().size(), 4);
+    EXPECT_EQ(test::DebugStream::lines().front(), QStringLiteral("now reading"));
+
+    test::DebugStream::clear();
+    EXPECT_FALSE(read(Image().add(0x0101, test::dataG2, {1, 2, 3, 4, 5, 6})).isEmpty());
+    EXPECT_FALSE(test::DebugStream::contains(QStringLiteral("now reading")));
+}
+
+TEST_F(CardApplicationOnImage, ATableSaysWhereAStepsOwnEntryStandsAndWhetherAnEfHasOne)
+{
+    EfTable table = threeFiles();
+    table.stepEntry = OwnEntry::Last;
+    table.efFailure = EfFailure::RowsText;
+    application = CardApplication(table);
+    EXPECT_THAT(
+        chain(read(threeFilesImage().without(0x0103))),
+        ElementsAre(
+            lib("memSelectFile(): Dataset not found"), lib("readFromMem() memSelectFile() Failed: ID 103"),
+            lib("close failed:")));
+    EXPECT_THAT(
+        chain(read(Image().add(0x0101, test::dataG2, {1, 2, 3, 4, 5, 6}))),
+        ElementsAre(
+            lib("memSelectFile(): Dataset not found", 0x6A82),
+            lib("read() Select DF_Tachograph failed", 0x6A82)));
+}
+
+TEST_F(CardApplicationOnImage, ACountsEfThatCannotBeReadEndsTheTotalWithItsText)
+{
+    for (const OwnEntry place : {OwnEntry::First, OwnEntry::Last}) {
+        EfTable table = threeFiles();
+        table.counts = {{0x0101, "counts unknown:"}};
+        table.totalEntry = place;
+        application = CardApplication(table);
+        ImageFile file(threeFilesImage().without(0x0101));
+        scard::SCardGeneric card(file, QDateTime(), scard::RegionDDD);
+        test::Chain expected = {
+            lib("memSelectFile(): Dataset not found"), lib("readFromMem() memSelectFile() Failed: ID 101")};
+        expected.insert(place == OwnEntry::First ? expected.begin() : expected.end(), lib("counts unknown:"));
+        EXPECT_EQ(chain(application.calcDataToRead(card)), expected);
+        EXPECT_EQ(test::DebugStream::lines().filter(QStringLiteral("counts unknown: libscard")).size(), 1);
+        test::DebugStream::clear();
+    }
 }
 
 TEST_F(CardApplicationOnImage, ACountOfZeroReadsTheHeadOnly)
