@@ -3,7 +3,7 @@
 // holds when the machine's speed drifts.
 #include "Allocations.h"
 
-#include <pcsc/ExpectedDownload.h>
+#include <pcsc/ExpectedDriver.h>
 #include <scard/SCardDriverG2.h>
 #include <scard/SCardReader.h>
 #include <simulator/DriverCard.h>

@@ -3,7 +3,7 @@
 #include "Allocations.h"
 #include "Channel.h"
 
-#include <pcsc/ExpectedDownload.h>
+#include <pcsc/ExpectedDriver.h>
 #include <scard/SCardReader.h>
 #include <simulator/Card.h>
 #include <simulator/DriverCard.h>

@@ -1,5 +1,5 @@
 #include "CardInReader.h"
-#include "ExpectedDownload.h"
+#include "ExpectedDriver.h"
 
 #include <QFile>
 #include <QRegularExpression>

@@ -1,7 +1,7 @@
 // What can go wrong at each command of the download of a version 2.2 driver card. A small one: what happens
 // at a command does not depend on how many there are.
 #include "CardInReader.h"
-#include "ExpectedDownload.h"
+#include "ExpectedDriver.h"
 
 #include <support/DebugStream.h>
 

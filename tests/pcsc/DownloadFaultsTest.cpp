@@ -1,7 +1,7 @@
 // What can go wrong at each command and at each PC/SC call of a download: it ends, says exactly what
 // failed, tells the card nothing, and the next download works.
 #include "CardInReader.h"
-#include "ExpectedDownload.h"
+#include "ExpectedDriver.h"
 
 #include <support/DebugStream.h>
 

@@ -3,13 +3,12 @@
 #include "Answers.h"
 #include "CardInReader.h"
 #include "DriverCardV2Transcript.h"
-#include "ExpectedDownload.h"
+#include "ExpectedDriver.h"
+#include "FullDisk.h"
+#include "LoadedAgain.h"
+#include "VerifyImage.h"
 
 #include <scard/SCardDriverG2.h>
-#include <simulator/TestPki.h>
-#include <simulator/TestPkiG2.h>
-#include <simulator/VerifyG1.h>
-#include <simulator/VerifyG2.h>
 #include <support/DebugStream.h>
 
 #include <QDir>
@@ -18,10 +17,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <csignal>
 #include <functional>
-#include <map>
-#include <sys/resource.h>
 
 namespace {
 
@@ -57,19 +53,6 @@ class DownloadG2Test : public CardInReader
     {
         // A card of this minute; the contents were made for another year.
         return sim::readU32(stampOf(application), 0) > 1750000000;
-    }
-
-    /// The card object made from the file that a download has written.
-    static std::shared_ptr<SCardDriverG2> loaded(const Download& result)
-    {
-        QFile file(result.path);
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        scard::SCardGeneric image(file, result.card->getDownloadTimestamp(), scard::RegionDDD);
-        EXPECT_THAT(chain(image.readCardInfo()), IsEmpty());
-        auto card = std::dynamic_pointer_cast<SCardDriverG2>(SCardReader().generateSpecific(image));
-        EXPECT_TRUE(card);
-        EXPECT_THAT(chain(card->read()), IsEmpty());
-        return card;
     }
 };
 
@@ -122,38 +105,7 @@ TEST_F(DownloadG2Test, TheImageRepeatsTheChipsFilesBehindTheFirstApplication)
 TEST_F(DownloadG2Test, EverySignatureVerifiesUpToTheRootsOfBothGenerations)
 {
     insert(driverCardV2());
-    const sim::Bytes image = bytes(download().image);
-
-    std::map<unsigned, std::map<unsigned, sim::Bytes>> records;
-    for (std::size_t position = 0; position < image.size();) {
-        const unsigned fid = sim::readU16(image, position);
-        const unsigned length = sim::readU16(image, position + 3);
-        records[image.at(position + 2)][fid] = sim::slice(image, position + 5, length);
-        position += 5 + length;
-    }
-
-    const auto rootG1 = sim::publicKeyFromRootG1(sim::rootKeyG1());
-    ASSERT_TRUE(rootG1);
-    const auto stateG1 = sim::verifyCertificateG1(records[0][0xC108], *rootG1);
-    ASSERT_TRUE(stateG1);
-    const auto cardG1 = sim::verifyCertificateG1(records[0][0xC100], stateG1->key);
-    ASSERT_TRUE(cardG1);
-    EXPECT_EQ(records[1].size(), 12u);
-    for (const auto& [fid, signature] : records[1])
-        EXPECT_TRUE(sim::verifySignatureG1(cardG1->key, records[0][fid], signature)) << fid;
-
-    const auto root = sim::publicKeyFromRootCertificateG2(sim::rootCertificateG2(sim::Curve::NistP256));
-    ASSERT_TRUE(root);
-    const auto state = sim::verifyCertificateG2(records[2][0xC108], *root);
-    ASSERT_TRUE(state);
-    ASSERT_TRUE(sim::verifyCertificateG2(records[2][0xC100], state->key));
-    const auto sign = sim::verifyCertificateG2(records[2][0xC101], state->key);
-    ASSERT_TRUE(sign);
-    EXPECT_EQ(records[3].size(), 20u);
-    for (const auto& [fid, signature] : records[3]) {
-        EXPECT_EQ(signature.size(), 64u) << fid;
-        EXPECT_TRUE(sim::verifySignatureG2(sign->key, records[2][fid], signature)) << fid;
-    }
+    EXPECT_EQ(verifiedSignatures(bytes(download().image)), 12u + 20);
 }
 
 TEST_F(DownloadG2Test, ReportsThesePercentages)
@@ -220,7 +172,7 @@ TEST_F(DownloadG2Test, AnImageLoadedAgainAnswersAsTheCardDid)
         const Download result = download();
         auto fromCard = std::dynamic_pointer_cast<SCardDriverG2>(result.card);
         ASSERT_TRUE(fromCard);
-        const auto fromImage = loaded(result);
+        const auto fromImage = loadedAgain<SCardDriverG2>(result);
         ASSERT_TRUE(fromImage);
         EXPECT_THAT(chain(fromImage->calcDataToRead()), IsEmpty());
         EXPECT_THAT(chain(fromImage->read()), IsEmpty());
@@ -307,7 +259,7 @@ TEST_F(DownloadG2Test, AFailureInTheFirstApplicationDoesNotStopTheSecond)
         EXPECT_EQ(driver->getEvents().empty(), !listsRead);
         EXPECT_EQ(driver->getFaults().empty(), !listsRead);
         EXPECT_FALSE(driver->getActivitiesG2().empty());
-        const auto fromImage = loaded(result);
+        const auto fromImage = loadedAgain<SCardDriverG2>(result);
         ASSERT_TRUE(fromImage);
         EXPECT_EQ(answersOf(*fromImage), answersOf(*driver));
         EXPECT_EQ(secondAnswersOf(*fromImage), secondAnswersOf(*driver));
@@ -691,36 +643,8 @@ TEST_F(DownloadG2Test, ACardThatSignsWithALargerCurveRefusesTheSignatureLength)
 
 // The file.
 
-/// Has no room from a size on until a write has failed for that, as a disk that was full for a moment.
-class MomentWithoutRoom : public QFile
-{
-  public:
-    MomentWithoutRoom(const QString& name, qint64 room) : QFile(name), m_room(room) {}
-
-  protected:
-    qint64 writeData(const char* data, qint64 length) override
-    {
-        if (m_over)
-            return QFile::writeData(data, length);
-        rlimit before{};
-        ::getrlimit(RLIMIT_FSIZE, &before);
-        rlimit limit = before;
-        limit.rlim_cur = static_cast<rlim_t>(m_room);
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-        const qint64 written = QFile::writeData(data, length);
-        ::setrlimit(RLIMIT_FSIZE, &before);
-        m_over = written < 0;
-        return written;
-    }
-
-  private:
-    qint64 m_room;
-    bool m_over = false;
-};
-
 TEST_F(DownloadG2Test, ATornRecordOfTheFirstApplicationIsAFailureWhateverFollows)
 {
-    std::signal(SIGXFSZ, SIG_IGN);
     scard::SCardGeneric identified(connect(), QDateTime::currentDateTimeUtc(), scard::RegionDDD);
     ASSERT_THAT(chain(identified.readCardInfo()), IsEmpty());
     SCardDriverG2 driver(identified);
@@ -737,17 +661,11 @@ TEST_F(DownloadG2Test, ATornRecordOfTheFirstApplicationIsAFailureWhateverFollows
 
 TEST_F(DownloadG2Test, AFullDiskEndsTheSaveAndNothingIsStamped)
 {
-    std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before{};
-    ::getrlimit(RLIMIT_FSIZE, &before);
     for (const rlim_t room : {rlim_t{10000}, rlim_t{40000}}) {
         SCOPED_TRACE(room);
         insert(driverCardG2());
-        rlimit limit = before;
-        limit.rlim_cur = room;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
+        const FileSizeLimit limit(room);
         const Download result = download();
-        ::setrlimit(RLIMIT_FSIZE, &before);
         EXPECT_THAT(
             chain(result.failure),
             ElementsAre(

@@ -2,12 +2,12 @@
 #include "Answers.h"
 #include "CardInReader.h"
 #include "DriverCardTranscript.h"
-#include "ExpectedDownload.h"
+#include "ExpectedDriver.h"
+#include "LoadedAgain.h"
+#include "VerifyImage.h"
 
 #include <scard/SCardDriverG1.h>
 #include <simulator/ControlCard.h>
-#include <simulator/TestPki.h>
-#include <simulator/VerifyG1.h>
 #include <support/DebugStream.h>
 
 #include <QDir>
@@ -18,7 +18,6 @@
 
 #include <cstring>
 #include <functional>
-#include <map>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -86,28 +85,7 @@ TEST_F(DownloadTest, WritesTheImageByteForByte)
 
 TEST_F(DownloadTest, TheTwelveSignaturesVerifyUpToTheRoot)
 {
-    const sim::Bytes image = bytes(download().image);
-
-    std::map<unsigned, sim::Bytes> data;
-    std::map<unsigned, sim::Bytes> signatures;
-    for (std::size_t position = 0; position < image.size();) {
-        const unsigned fid = sim::readU16(image, position);
-        const unsigned length = sim::readU16(image, position + 3);
-        (image.at(position + 2) == 0 ? data : signatures)[fid] = sim::slice(image, position + 5, length);
-        position += 5 + length;
-    }
-    const auto root = sim::publicKeyFromRootG1(sim::rootKeyG1());
-    ASSERT_TRUE(root);
-    const auto memberState = sim::verifyCertificateG1(data[0xC108], *root);
-    ASSERT_TRUE(memberState);
-    const auto cardCertificate = sim::verifyCertificateG1(data[0xC100], memberState->key);
-    ASSERT_TRUE(cardCertificate);
-    EXPECT_EQ(signatures.size(), 12u);
-    for (const auto& [fid, signature] : signatures) {
-        SCOPED_TRACE(fid);
-        EXPECT_EQ(signature.size(), 128u);
-        EXPECT_TRUE(sim::verifySignatureG1(cardCertificate->key, data[fid], signature));
-    }
+    EXPECT_EQ(verifiedSignatures(bytes(download().image)), 12u);
 }
 
 TEST_F(DownloadTest, ReportsThesePercentages)
@@ -233,12 +211,7 @@ TEST_F(DownloadTest, AnImageLoadedAgainAnswersAsTheCardDid)
     auto fromCard = std::dynamic_pointer_cast<scard::SCardDriverG1>(result.card);
     ASSERT_TRUE(fromCard);
 
-    QFile file(result.path);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    scard::SCardGeneric image(file, result.card->getDownloadTimestamp(), scard::RegionDDD);
-    EXPECT_THAT(chain(image.readCardInfo()), IsEmpty());
-    SCardReader reader;
-    auto fromImage = std::dynamic_pointer_cast<scard::SCardDriverG1>(reader.generateSpecific(image));
+    const auto fromImage = loadedAgain<scard::SCardDriverG1>(result);
     ASSERT_TRUE(fromImage);
     EXPECT_THAT(chain(fromImage->calcDataToRead()), IsEmpty());
     EXPECT_THAT(chain(fromImage->read()), IsEmpty());
@@ -306,30 +279,23 @@ TEST_F(DownloadTest, TypeBytesThatNoCardHasAreRefused)
 
 TEST_F(DownloadTest, AControlCardGivesAnEmptyFileAndTheGenericObject)
 {
-    insert(sim::makeControlCardG1());
-    const Download result = download();
-    EXPECT_THAT(chain(result.failure), IsEmpty());
-    EXPECT_THAT(result.types, ElementsAre(scard::SCardMeta::ControlCard));
-    ASSERT_TRUE(result.card);
-    EXPECT_EQ(result.card->getCardType(), scard::SCardMeta::ControlCard);
-    EXPECT_EQ(result.path, "/tmp/CARD_FILENAME_NOT_SET.DDD");
-    EXPECT_TRUE(QFileInfo::exists(result.path));
-    EXPECT_EQ(result.image.size(), 0);
-    EXPECT_THAT(result.progress, IsEmpty());
-    EXPECT_THAT(result.order, ElementsAre("cardType", "readDone"));
-}
-
-TEST_F(DownloadTest, ATypeWithoutAClassIsDownloadedAsTheGenericObject)
-{
-    for (const int type : {2, 4}) {
-        SCOPED_TRACE(type);
-        setTypeByte(type);
-        card().reset();
+    sim::ControlParametersG2 version2;
+    version2.version2 = true;
+    for (const sim::CardDescription& control :
+         {sim::makeControlCardG1(), sim::makeControlCardG2(), sim::makeControlCardG2(version2)}) {
+        insert(control);
         const Download result = download();
         EXPECT_THAT(chain(result.failure), IsEmpty());
+        EXPECT_THAT(result.types, ElementsAre(scard::SCardMeta::ControlCard));
         ASSERT_TRUE(result.card);
-        EXPECT_EQ(std::dynamic_pointer_cast<scard::SCardDriverG1>(result.card), nullptr);
+        EXPECT_EQ(result.card->getCardType(), scard::SCardMeta::ControlCard);
+        EXPECT_EQ(result.card->is2ndGeneneration(), control.applications.size() == 2);
+        EXPECT_EQ(result.card->metaObject(), &scard::SCardGeneric::staticMetaObject);
+        EXPECT_EQ(result.path, "/tmp/CARD_FILENAME_NOT_SET.DDD");
+        EXPECT_TRUE(QFileInfo::exists(result.path));
         EXPECT_EQ(result.image.size(), 0);
+        EXPECT_THAT(result.progress, IsEmpty());
+        EXPECT_THAT(result.order, ElementsAre("cardType", "readDone"));
     }
 }
 

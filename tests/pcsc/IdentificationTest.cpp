@@ -1,6 +1,6 @@
 // Type, generation and serial of an inserted card.
 #include "CardInReader.h"
-#include "ExpectedDownload.h"
+#include "ExpectedDriver.h"
 
 #include <support/DebugStream.h>
 #include <support/ErrorChain.h>

@@ -2,7 +2,7 @@
 #include "CardBehindPcscd.h"
 
 #include <pcsc/Answers.h>
-#include <pcsc/ExpectedDownload.h>
+#include <pcsc/ExpectedDriver.h>
 #include <simulator/ControlCard.h>
 #include <support/DebugStream.h>
 

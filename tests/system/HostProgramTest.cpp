@@ -1,7 +1,7 @@
 // The program `scard` as a person uses it.
 #include "CardBehindPcscd.h"
 
-#include <pcsc/ExpectedDownload.h>
+#include <pcsc/ExpectedDriver.h>
 #include <scard/SCardDriverG1.h>
 #include <simulator/ControlCard.h>
 #include <support/PcscPresence.h>
