@@ -20,6 +20,10 @@ constexpr EfName efPlaces{fidPlaces, "EF_Places", "Error reading EF_Places:"};
 constexpr EfName efCurrentUsage{fidCurrentUsage, "EF_Current_Usage", "Error reading EF_Current_Usage:"};
 constexpr EfName efControlActivityData{fidControlActivityData, "EF_Control_Activity_Data", "Error reading EF_Control_Activity_Data:"};
 constexpr EfName efCardDownload{fidCardDownload, "EF_Card_Download", "Error reading EF_Card_Download:"};
+constexpr EfName efCardDownloadWorkshop{fidCardDownloadWorkshop, "EF_Card_Download", "Error reading EF_Card_Download:"};
+constexpr EfName efCalibrationG1{fidCalibration, "EF_Calibration", "Error reading nEF_Calibration:"};
+constexpr EfName efCalibrationG2{fidCalibration, "EF_Calibration", "Error reading EF_Calibration:"};
+constexpr EfName efCompanyActivityData{fidCompanyActivityData, "EF_Company_Activity_Data", "Error reading EF_Company_Activity:"};
 constexpr EfName efIdentification{fidIdentification, "EF_Identification", "Error reading EF_Identification:"};
 constexpr EfName efDrivingLicenceInfo{fidDrivingLicenceInfo, "EF_Driving_License_Info", "Error reading EF_Driving_License_Info:"};
 constexpr EfName efSpecificConditions{fidSpecificConditions, "EF_Specific_Conditions", "Error reading m_EF_Specitifc_Conditions:"};
@@ -31,6 +35,7 @@ constexpr EfName efGnssPlacesAuthentication{fidGnssPlacesAuthentication, "EF_GNS
 constexpr EfName efBorderCrossings{fidBorderCrossings, "EF_Border_Crossing", "Error reading EF_Border_Crossing:"};
 constexpr EfName efLoadUnloadOperations{fidLoadUnloadOperations, "EF_Load_Unload_Operations", "Error reading EF_Load_Unload_Operations:"};
 constexpr EfName efLoadTypeEntries{fidLoadTypeEntries, "EF_Load_Type_Entries", "Error reading EF_Load_Type_Entries:"};
+constexpr EfName efCalibrationAddData{fidCalibrationAddData, "EF_Calibration_Add_Data", "Error reading EF_Calibration_Add_Data:"};
 constexpr EfName efCardCertificate{fidCardCertificate, "EF_Card_Certificate", "Error reading EF_Card_Certificate:"};
 constexpr EfName efMaCertificate{fidCardCertificate, "EF_MA_Certificate", "Error reading EF_MA_Certificate:"};
 constexpr EfName efCardSignCertificate{fidCardSignCertificate, "EF_Card_Sign_Certificate", "Error reading EF_Card_Sign_Certificate:"};

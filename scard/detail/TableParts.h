@@ -19,7 +19,7 @@ constexpr unsigned short eventGroupsG1 = 6;
 constexpr unsigned short eventGroupsG2 = 11;
 constexpr unsigned short faultGroups = 2;
 
-/// The counts that EF_Application_Identification gives in either generation.
+/// The counts that EF_Application_Identification gives on driver and workshop cards of either generation.
 template <typename Application>
 struct UsageCounts
 {
@@ -51,7 +51,7 @@ inline std::vector<EfRow> chipRows()
     };
 }
 
-/// The EFs that version 2.2 added.
+/// The EFs that version 2.2 added to driver and workshop cards.
 template <typename Application, typename ApplicationV2>
 std::vector<EfRow> version2Rows()
 {

@@ -60,4 +60,14 @@ struct FullCardNumber
 };
 static_assert(sizeof(FullCardNumber) == 18);
 
+/// Number of a card that a workshop, a control body or a company has.
+struct OwnerCardNumber
+{
+    unsigned char ownerIdentification[13];
+    unsigned char cardConsecutiveIndex;
+    unsigned char cardReplacementIndex;
+    unsigned char cardRenewalIndex;
+};
+static_assert(sizeof(OwnerCardNumber) == 16);
+
 } // namespace scard

@@ -1,8 +1,8 @@
 #include "QtPrinters.h"
-#include "scard/CardOnImage.h"
 #include "scard/DriverImage.h"
 #include "scard/DriverImageG2.h"
 #include "scard/RecordBytes.h"
+#include "scard/ValueChecks.h"
 
 #include <scard/DriverCardValues.h>
 #include <scard/SCardDriverG1.h>
@@ -33,6 +33,7 @@ using test::joined;
 using test::notKnown;
 using test::number;
 using test::registration;
+using test::secondsOf;
 using test::timeReal;
 using test::Version;
 using testing::ElementsAre;
@@ -44,18 +45,8 @@ constexpr std::uint32_t march5 = 0x65E66080; // 2024-03-05 00:00 UTC
 /// FID and payload of a data record.
 using Efs = std::vector<std::pair<unsigned short, Bytes>>;
 
-template <typename Card>
-class ReadCard : public test::CardOnImage<Card>
-{
-  public:
-    explicit ReadCard(const Image& image) : test::CardOnImage<Card>(image)
-    {
-        EXPECT_THAT(chain(this->read()), IsEmpty());
-    }
-};
-
-using CardG1 = ReadCard<SCardDriverG1>;
-using CardG2 = ReadCard<SCardDriverG2>;
+using CardG1 = test::ReadCard<SCardDriverG1>;
+using CardG2 = test::ReadCard<SCardDriverG2>;
 
 Image firstWith(const Efs& efs)
 {
@@ -92,15 +83,6 @@ Bytes plain(std::size_t size, std::size_t headLength, const std::vector<Bytes>& 
         offset += record.size();
     }
     return ef;
-}
-
-/// The seconds of a time, which must be local; -1 for a null one.
-qint64 secondsOf(const QDateTime& time)
-{
-    if (time.isNull())
-        return -1;
-    EXPECT_EQ(time.timeSpec(), Qt::LocalTime);
-    return time.toSecsSinceEpoch();
 }
 
 template <typename Item>

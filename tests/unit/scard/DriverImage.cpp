@@ -1,13 +1,10 @@
 #include "DriverImage.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace test {
 
 namespace {
-
-constexpr std::size_t signatureLength = 128;
 
 unsigned char lowByte(unsigned int number)
 {
@@ -15,15 +12,6 @@ unsigned char lowByte(unsigned int number)
 }
 
 } // namespace
-
-scard::Name nameField(unsigned char codePage, const std::string& text)
-{
-    scard::Name field{};
-    field.codePage = codePage;
-    std::fill(std::begin(field.name), std::end(field.name), static_cast<unsigned char>(' '));
-    std::memcpy(field.name, text.data(), std::min(text.size(), sizeof field.name));
-    return field;
-}
 
 scard::DriverCard_EF_Identification johannes()
 {
@@ -61,7 +49,7 @@ Image smallDriverImage(const scard::DriverCard_EF_Identification& identification
     Image image;
     const auto add = [&image](unsigned short fid, const Bytes& data) { image.add(fid, dataG1, data); };
     const auto addSigned = [&image](unsigned short fid, const Bytes& data) {
-        image.add(fid, dataG1, data).add(fid, signatureG1, Bytes(signatureLength, 0x5A));
+        image.addSigned(fid, dataG1, data);
     };
     add(0x0002, counted(25, 0x40));
     add(0x0005, {0x12, 0x34, 0x56, 0x78, 1, 2, 3, 4});

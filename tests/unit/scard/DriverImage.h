@@ -1,11 +1,9 @@
 #pragma once
 
 #include "Image.h"
+#include "RecordBytes.h"
 
 #include <scard/records/DriverCard.h>
-#include <scard/records/TextFields.h>
-
-#include <string>
 
 // A small driver card of the first generation, as a download image.
 
@@ -18,19 +16,8 @@ constexpr unsigned char smallCardActivityBytes = 20;
 constexpr unsigned char smallCardVehicles = 2;
 constexpr unsigned char smallCardPlaces = 3;
 
-/// A name field, filled up with blanks.
-scard::Name nameField(unsigned char codePage, const std::string& text);
-
 /// Johannes Mustermann, German, card df000000123456 with the indices 0 and 1.
 scard::DriverCard_EF_Identification johannes();
-
-/// The bytes of a record.
-template <typename Record>
-Bytes recordBytes(const Record& record)
-{
-    const auto* first = reinterpret_cast<const unsigned char*>(&record);
-    return {first, first + sizeof record};
-}
 
 /// EF_Application_Identification with these counts.
 Bytes driverApplication(

@@ -8,7 +8,6 @@ namespace test {
 
 namespace {
 
-constexpr std::size_t signatureLength = 64;
 constexpr std::size_t pointerLength = 2;
 
 Bytes zeros(std::size_t count, std::size_t size)
@@ -46,24 +45,12 @@ Bytes driverApplicationG2(Version version, unsigned int activityBytes)
          number(smallG2VehicleUnits, 2)});
 }
 
-Bytes certificate(std::size_t length)
-{
-    Bytes bytes = counted(length);
-    if (length < 131)
-        put(bytes, 0, joined({{0x7F, 0x21}, number(static_cast<std::uint32_t>(length - 3), 1)}));
-    else if (length < 260)
-        put(bytes, 0, joined({{0x7F, 0x21, 0x81}, number(static_cast<std::uint32_t>(length - 4), 1)}));
-    else
-        put(bytes, 0, joined({{0x7F, 0x21, 0x82}, number(static_cast<std::uint32_t>(length - 5), 2)}));
-    return bytes;
-}
-
 Image secondApplication(Version version, unsigned int seconds)
 {
     Image image;
     const auto add = [&image](unsigned short fid, const Bytes& data) { image.add(fid, dataG2, data); };
     const auto addSigned = [&image](unsigned short fid, const Bytes& data) {
-        image.add(fid, dataG2, data).add(fid, signatureG2, Bytes(signatureLength, 0xA5));
+        image.addSigned(fid, dataG2, data);
     };
     add(0x0002, counted(25, 0x40));
     add(0x0005, {0x12, 0x34, 0x56, 0x78, 1, 2, 3, 4});

@@ -10,12 +10,6 @@
 
 namespace test {
 
-enum class Version
-{
-    first,
-    second
-};
-
 // Counts of the second application.
 constexpr unsigned char smallG2Events = 3;
 constexpr unsigned char smallG2Faults = 2;
@@ -34,9 +28,6 @@ scard::DriverCard_EF_Identification johanna();
 
 /// EF_Application_Identification of the second application with these activity bytes.
 Bytes driverApplicationG2(Version version, unsigned int activityBytes = smallG2ActivityBytes);
-
-/// A certificate of @p length bytes, its own length by the encoding that fits.
-Bytes certificate(std::size_t length);
 
 /// Every record of the second application in the order in which downloads are written.
 Image secondApplication(Version version, unsigned int seconds = 0x66000000);

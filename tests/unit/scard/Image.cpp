@@ -23,6 +23,12 @@ Image& Image::add(unsigned short fid, unsigned char type, const Bytes& payload)
     return *this;
 }
 
+Image& Image::addSigned(unsigned short fid, unsigned char type, const Bytes& payload)
+{
+    add(fid, type, payload);
+    return type == dataG1 ? add(fid, signatureG1, Bytes(128, 0x5A)) : add(fid, signatureG2, Bytes(64, 0xA5));
+}
+
 Image& Image::append(const Image& other)
 {
     m_records.insert(m_records.end(), other.m_records.begin(), other.m_records.end());

@@ -18,6 +18,13 @@ constexpr unsigned char signatureG1 = 0x01;
 constexpr unsigned char dataG2 = 0x02;
 constexpr unsigned char signatureG2 = 0x03;
 
+/// Of the structure of a second-generation card; the second one is called version 2.2.
+enum class Version
+{
+    first,
+    second
+};
+
 /// The bytes of @p text.
 Bytes bytesOf(const std::string& text);
 
@@ -28,6 +35,9 @@ class Image
 {
   public:
     Image& add(unsigned short fid, unsigned char type, const Bytes& payload);
+
+    /// A data record of type @p type and a signature of that generation's length behind it.
+    Image& addSigned(unsigned short fid, unsigned char type, const Bytes& payload);
 
     /// The records of @p other behind those that are there.
     Image& append(const Image& other);

@@ -1,6 +1,7 @@
 #include "RecordBytes.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace test {
 
@@ -21,6 +22,27 @@ Bytes field(const std::string& text, std::size_t length)
 {
     Bytes bytes = bytesOf(text);
     bytes.resize(length, ' ');
+    return bytes;
+}
+
+scard::Name nameField(unsigned char codePage, const std::string& text)
+{
+    scard::Name field{};
+    field.codePage = codePage;
+    std::fill(std::begin(field.name), std::end(field.name), static_cast<unsigned char>(' '));
+    std::memcpy(field.name, text.data(), std::min(text.size(), sizeof field.name));
+    return field;
+}
+
+Bytes certificate(std::size_t length)
+{
+    Bytes bytes = counted(length);
+    if (length < 131)
+        put(bytes, 0, joined({{0x7F, 0x21}, number(static_cast<std::uint32_t>(length - 3), 1)}));
+    else if (length < 260)
+        put(bytes, 0, joined({{0x7F, 0x21, 0x81}, number(static_cast<std::uint32_t>(length - 4), 1)}));
+    else
+        put(bytes, 0, joined({{0x7F, 0x21, 0x82}, number(static_cast<std::uint32_t>(length - 5), 2)}));
     return bytes;
 }
 

@@ -2,12 +2,14 @@
 
 #include "Image.h"
 
+#include <scard/records/TextFields.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <string>
 
-// Records of driver cards put together from literal values.
+// Records of cards put together from literal values.
 
 namespace test {
 
@@ -21,6 +23,20 @@ Bytes timeReal(std::uint32_t seconds);
 
 /// @p text, filled up with blanks or cut.
 Bytes field(const std::string& text, std::size_t length);
+
+/// A name field, filled up with blanks.
+scard::Name nameField(unsigned char codePage, const std::string& text);
+
+/// The bytes of a record.
+template <typename Record>
+Bytes recordBytes(const Record& record)
+{
+    const auto* first = reinterpret_cast<const unsigned char*>(&record);
+    return {first, first + sizeof record};
+}
+
+/// A certificate of the second generation of @p length bytes, its own length by the encoding that fits.
+Bytes certificate(std::size_t length);
 
 /// Pieces one behind the other.
 Bytes joined(std::initializer_list<Bytes> pieces);

@@ -8,8 +8,6 @@
 
 #include <gmock/gmock.h>
 
-#include <QTemporaryDir>
-
 #include <cstring>
 #include <ctime>
 #include <string>
@@ -24,6 +22,7 @@ using scard::RegionTGD;
 using scard::SCardDriverG1;
 using scard::SCardGeneric;
 using test::chain;
+using test::Ef;
 using test::Image;
 using test::ImageFile;
 using test::lib;
@@ -31,6 +30,9 @@ using test::libraryFailure;
 using test::logged;
 using test::loggedLabels;
 using test::missing;
+using test::notAllowed;
+using test::noValidData;
+using test::saveToOpenFile;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -48,14 +50,6 @@ class ImageDriver : public SCardDriverG1
 
   private:
     explicit ImageDriver(ImageFile&& file) : SCardDriverG1(SCardGeneric(file, moment(), RegionDDD)) {}
-};
-
-struct Ef
-{
-    unsigned short fid;
-    const char* hexFid;
-    const char* label;
-    const char* failureText;
 };
 
 const Ef requiredEfs[] = {
@@ -94,28 +88,6 @@ const QStringList labels = {
     QStringLiteral("\nEF_Control_Activity_Data"),
     QStringLiteral("\nEF_Specific_Conditions"),
 };
-
-/// Files to save to; an object on an image gets no further than the first checks.
-class SaveTarget
-{
-  public:
-    SaveTarget()
-    {
-        closed.setFileName(m_folder.filePath(QStringLiteral("closed")));
-        open.setFileName(m_folder.filePath(QStringLiteral("open")));
-        EXPECT_TRUE(open.open(QIODevice::WriteOnly));
-    }
-
-    QFile closed;
-    QFile open;
-
-  private:
-    QTemporaryDir m_folder;
-};
-
-const test::Chain notAllowed{lib("saveToFile(): not allowed on data read from file ", 0)};
-const test::Chain noValidData{lib("saveToFile(): no valid data", 0)};
-const test::Chain notOpened{lib("saveToFile(): File not opened", 0)};
 
 // read()
 
@@ -259,7 +231,6 @@ TEST(SCardDriverG1Read, TheHolderIsDecodedByItsCodePageAndTrimmed)
 
 TEST(SCardDriverG1Read, AnImageGoesOnWithoutAnOptionalEf)
 {
-    SaveTarget target;
     for (const Ef& ef : optionalEfs) {
         SCOPED_TRACE(ef.failureText);
         test::DebugStream::clear();
@@ -272,7 +243,7 @@ TEST(SCardDriverG1Read, AnImageGoesOnWithoutAnOptionalEf)
             test::DebugStream::lines().filter(QStringLiteral("Error")),
             ElementsAre(logged(ef.failureText, missing(ef.hexFid))));
         // The data are valid: only the missing card is held against it.
-        EXPECT_EQ(chain(card.saveToFile(target.open)), notAllowed);
+        EXPECT_EQ(saveToOpenFile(card), notAllowed);
     }
 }
 
@@ -304,7 +275,6 @@ TEST(SCardDriverG1Read, AShortOptionalEfIsPassedLikeAMissingOne)
 
 TEST(SCardDriverG1Read, AnImageFailsWithoutARequiredEf)
 {
-    SaveTarget target;
     for (const Ef& ef : requiredEfs) {
         SCOPED_TRACE(ef.failureText);
         test::DebugStream::clear();
@@ -314,7 +284,7 @@ TEST(SCardDriverG1Read, AnImageFailsWithoutARequiredEf)
 
         EXPECT_EQ(loggedLabels().back(), QString::fromLatin1(ef.label));
         EXPECT_EQ(test::DebugStream::lines().back(), logged(ef.failureText, missing(ef.hexFid)));
-        EXPECT_EQ(chain(card.saveToFile(target.open)), noValidData);
+        EXPECT_EQ(saveToOpenFile(card), noValidData);
     }
 }
 
@@ -519,40 +489,34 @@ TEST(SCardDriverG1DataToRead, NeedsTheApplicationIdentification)
 
 TEST(SCardDriverG1Save, AClosedFileIsRefusedFirst)
 {
-    SaveTarget target;
     ImageDriver card(test::smallDriverImage());
 
-    EXPECT_EQ(chain(card.saveToFile(target.closed)), notOpened);
+    EXPECT_EQ(test::saveToClosedFile(card), test::notOpened);
     EXPECT_THAT(test::DebugStream::lines(), IsEmpty());
     ASSERT_THAT(chain(card.read()), IsEmpty());
-    EXPECT_EQ(chain(card.saveToFile(target.closed)), notOpened);
-    EXPECT_FALSE(target.closed.exists());
+    EXPECT_EQ(test::saveToClosedFile(card), test::notOpened);
 }
 
 TEST(SCardDriverG1Save, DataThatAreNotValidAreRefusedNext)
 {
-    SaveTarget target;
     ImageDriver onImage(test::smallDriverImage());
-    EXPECT_EQ(chain(onImage.saveToFile(target.open)), noValidData);
+    EXPECT_EQ(saveToOpenFile(onImage), noValidData);
     EXPECT_THAT(test::DebugStream::lines(), ElementsAre(QStringLiteral("Save failed g1: false true")));
 
     test::DebugStream::clear();
     SCardDriverG1 onNothing;
-    EXPECT_EQ(chain(onNothing.saveToFile(target.open)), noValidData);
+    EXPECT_EQ(saveToOpenFile(onNothing), noValidData);
     EXPECT_THAT(test::DebugStream::lines(), ElementsAre(QStringLiteral("Save failed g1: false false")));
-    EXPECT_EQ(target.open.size(), 0);
 }
 
 TEST(SCardDriverG1Save, DataOfAnImageAreRefusedAndNothingIsWritten)
 {
-    SaveTarget target;
     ImageDriver card(test::smallDriverImage());
     ASSERT_THAT(chain(card.read()), IsEmpty());
     test::DebugStream::clear();
 
-    EXPECT_EQ(chain(card.saveToFile(target.open)), notAllowed);
+    EXPECT_EQ(saveToOpenFile(card), notAllowed);
 
-    EXPECT_EQ(target.open.size(), 0);
     EXPECT_THAT(test::DebugStream::lines(), IsEmpty());
 }
 

@@ -15,7 +15,6 @@
 #include <QDate>
 #include <QString>
 #include <QStringList>
-#include <QTemporaryDir>
 
 #include <cstdint>
 #include <cstring>
@@ -33,13 +32,19 @@ using test::ActivityBuffer;
 using test::Bytes;
 using test::chain;
 using test::change;
+using test::Ef;
 using test::Image;
 using test::lib;
 using test::libraryFailure;
 using test::logged;
+using test::loggedErrors;
 using test::loggedLabels;
 using test::missing;
+using test::notAllowed;
+using test::noValidData;
+using test::progressOf;
 using test::rest;
+using test::saveToOpenFile;
 using test::secondApplication;
 using test::smallDriverImage;
 using test::smallDriverImageG2;
@@ -53,14 +58,6 @@ using ImageDriver = test::CardOnImage<SCardDriverG2>;
 
 constexpr std::uint32_t march5 = 0x65E66080; // 2024-03-05 00:00 UTC
 constexpr std::uint32_t march6 = march5 + 86400;
-
-struct Ef
-{
-    unsigned short fid;
-    const char* hexFid;
-    const char* label;
-    const char* failureText;
-};
 
 const Ef requiredEfs[] = {
     {0x0520, "520", "\nEF_Identification", "Error reading EF_Identification:"},
@@ -149,37 +146,10 @@ const char applicationText[] =
 const char applicationV2Text[] =
     "calcDataToRead(): Error reading SCardDriver G2 EF_Application_Identification_V2:";
 
-const test::Chain notAllowed{lib("saveToFile(): not allowed on data read from file ", 0)};
-const test::Chain noValidData{lib("saveToFile(): no valid data", 0)};
-const test::Chain notOpened{lib("saveToFile(): File not opened", 0)};
-
-QStringList loggedErrors()
-{
-    return test::DebugStream::lines().filter(QStringLiteral("Error"));
-}
-
 /// The first application and a changed second one.
 Image withSecond(const Image& second)
 {
     return smallDriverImage().append(second);
-}
-
-test::Chain saveToOpenFile(SCardGeneric& card)
-{
-    const QTemporaryDir folder;
-    QFile file(folder.filePath(QStringLiteral("image")));
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-    const test::Chain failure = chain(card.saveToFile(file));
-    EXPECT_EQ(file.size(), 0);
-    return failure;
-}
-
-/// "=== Progress:" as emitProgress() writes it.
-QString progressOf(SCardGeneric& card)
-{
-    test::DebugStream::clear();
-    card.emitProgress();
-    return test::DebugStream::lines().join(QLatin1Char('|'));
 }
 
 bool same(const scard::DriverCard_EF_Identification& left, const scard::DriverCard_EF_Identification& right)
@@ -737,16 +707,13 @@ TEST(SCardDriverG2DataToRead, AnImageOfVersion2NeedsTheFilesOfThatVersion)
 
 TEST(SCardDriverG2Save, AClosedFileIsRefusedFirst)
 {
-    const QTemporaryDir folder;
-    QFile closed(folder.filePath(QStringLiteral("closed")));
     ImageDriver card(smallDriverImageG2(Version::first));
     test::DebugStream::clear();
 
-    EXPECT_EQ(chain(card.saveToFile(closed)), notOpened);
+    EXPECT_EQ(test::saveToClosedFile(card), test::notOpened);
     EXPECT_THAT(test::DebugStream::lines(), IsEmpty());
     ASSERT_THAT(chain(card.read()), IsEmpty());
-    EXPECT_EQ(chain(card.saveToFile(closed)), notOpened);
-    EXPECT_FALSE(closed.exists());
+    EXPECT_EQ(test::saveToClosedFile(card), test::notOpened);
 }
 
 TEST(SCardDriverG2Save, DataThatAreNotValidAreRefusedNextAndTheStreamSaysWhatIsKnown)

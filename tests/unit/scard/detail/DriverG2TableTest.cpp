@@ -1,3 +1,4 @@
+#include "scard/EfTableRows.h"
 #include "scard/Image.h"
 
 #include <scard/detail/CardApplication.h>
@@ -5,7 +6,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -15,22 +15,8 @@ using namespace scard::detail;
 using test::Bytes;
 using testing::ElementsAre;
 
-// Record size, fixed count (0 when something else counts), groups.
-using ExpectedPieces = std::vector<std::vector<std::size_t>>;
-
-struct ExpectedRow
-{
-    unsigned short fid;
-    const char* name;
-    const char* failureText;
-    bool isSigned;
-    bool optionalInImage;
-    bool version2;
-    ExpectedPieces pieces;
-};
-
 // In reading order.
-const ExpectedRow expectedRows[] = {
+const std::vector<test::ExpectedRow> expectedRows = {
     {0x0520, "EF_Identification", "Error reading EF_Identification:", true, false, false, {{143, 1, 1}}},
     {0x0501,
      "EF_Application_Identification",
@@ -141,15 +127,6 @@ const ExpectedRow expectedRows[] = {
      {{2, 1, 1}, {5, 0, 1}}},
 };
 
-std::vector<EfRow> rowsReadAt(ReadAt when)
-{
-    std::vector<EfRow> rows;
-    for (const EfRow& row : driverG2Table().rows)
-        if (row.readAt == when)
-            rows.push_back(row);
-    return rows;
-}
-
 Bytes withByte(Bytes bytes, std::size_t index, unsigned char value)
 {
     bytes.at(index) = value;
@@ -177,32 +154,12 @@ TEST(DriverG2Table, IsTheSecondGenerationsApplication)
 
 TEST(DriverG2Table, TheDownloadReadsEveryEfInItsOrder)
 {
-    const std::vector<EfRow> rows = rowsReadAt(ReadAt::Download);
-    ASSERT_EQ(rows.size(), std::size(expectedRows));
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        const ExpectedRow& expected = expectedRows[i];
-        SCOPED_TRACE(expected.name);
-        EXPECT_EQ(rows[i].fid, expected.fid);
-        EXPECT_STREQ(rows[i].name, expected.name);
-        EXPECT_STREQ(rows[i].failureText, expected.failureText);
-        EXPECT_EQ(rows[i].signing == Signing::Signed, expected.isSigned);
-        EXPECT_EQ(rows[i].inImage == InImage::Optional, expected.optionalInImage);
-        EXPECT_EQ(rows[i].onCards == OnCards::Version2_2, expected.version2);
-        ExpectedPieces pieces;
-        for (const Piece& piece : rows[i].pieces)
-            pieces.push_back({piece.recordSize, piece.count.number, piece.groups});
-        EXPECT_EQ(pieces, expected.pieces);
-    }
+    test::expectRows(driverG2Table(), expectedRows);
 }
 
 TEST(DriverG2Table, IdentificationHasReadCardAndChip)
 {
-    const std::vector<EfRow> rows = rowsReadAt(ReadAt::Identification);
-    ASSERT_EQ(rows.size(), 2U);
-    EXPECT_EQ(rows[0].fid, 0x0002);
-    EXPECT_EQ(rows[0].signing, Signing::Unsigned);
-    EXPECT_EQ(rows[1].fid, 0x0005);
-    EXPECT_EQ(rows[1].signing, Signing::Unsigned);
+    test::expectIdentificationRows(driverG2Table());
 }
 
 TEST(DriverG2Table, SavesInTheOrderOfTheDownloadImage)
@@ -216,20 +173,12 @@ TEST(DriverG2Table, SavesInTheOrderOfTheDownloadImage)
 
 TEST(DriverG2Table, EverySavedEfIsReadOnce)
 {
-    std::vector<unsigned short> read;
-    for (const EfRow& row : driverG2Table().rows)
-        read.push_back(row.fid);
-    EXPECT_THAT(driverG2Table().saveOrder, testing::UnorderedElementsAreArray(read));
+    test::expectEverySavedEfIsReadOnce(driverG2Table());
 }
 
 TEST(DriverG2Table, OnlyTheFourCertificatesSayTheirLengthThemselves)
 {
-    std::vector<unsigned short> fids;
-    for (const EfRow& row : driverG2Table().rows)
-        for (const Piece& piece : row.pieces)
-            if (piece.count.from == RecordCount::From::CertificateHeader)
-                fids.push_back(row.fid);
-    EXPECT_THAT(fids, ElementsAre(0xC100, 0xC101, 0xC108, 0xC109));
+    EXPECT_THAT(test::certificatesOf(driverG2Table()), ElementsAre(0xC100, 0xC101, 0xC108, 0xC109));
 }
 
 TEST(DriverG2Table, FixedSizesAddUpTo50And279)

@@ -1,6 +1,8 @@
+#include <scard/records/CompanyCard.h>
 #include <scard/records/DriverCard.h>
 #include <scard/records/Identification.h>
 #include <scard/records/TextFields.h>
+#include <scard/records/WorkshopCard.h>
 
 #include <gtest/gtest.h>
 
@@ -308,6 +310,154 @@ TEST(Records, CardLoadTypeEntryRecord)
     expectPlainBytes<CardLoadTypeEntryRecord_g2_2>(5);
     EXPECT_FIELD(CardLoadTypeEntryRecord_g2_2, timeStamp, 0, 4);
     EXPECT_FIELD(CardLoadTypeEntryRecord_g2_2, loadTypeEntered, 4, 1);
+}
+
+TEST(Records, OwnerCardNumber)
+{
+    expectPlainBytes<OwnerCardNumber>(16);
+    EXPECT_FIELD(OwnerCardNumber, ownerIdentification, 0, 13);
+    EXPECT_FIELD(OwnerCardNumber, cardConsecutiveIndex, 13, 1);
+    EXPECT_FIELD(OwnerCardNumber, cardReplacementIndex, 14, 1);
+    EXPECT_FIELD(OwnerCardNumber, cardRenewalIndex, 15, 1);
+}
+
+TEST(Records, WorkshopCardApplicationIdentification)
+{
+    expectPlainBytes<WorkshopCardApplicationIdentification_g1>(11);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g1, typeOfTachographCardId, 0, 1);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g1, cardStructureVersion, 1, 2);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g1, noOfEventsPerType, 3, 1);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g1, noOfFaultsPerType, 4, 1);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g1, activityStructureLength, 5, 2);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g1, noOfCardVehicleRecords, 7, 2);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g1, noOfCardPlaceRecords, 9, 1);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g1, noOfCalibrationRecords, 10, 1);
+}
+
+TEST(Records, WorkshopCardIdentification)
+{
+    expectPlainBytes<WorkshopCard_EF_Identification>(211);
+    EXPECT_FIELD(WorkshopCard_EF_Identification, cardIssuingMemberState, 0, 1);
+    EXPECT_FIELD(WorkshopCard_EF_Identification, cardNumber, 1, 16);
+    EXPECT_FIELD(WorkshopCard_EF_Identification, cardIssuingAuthorityName, 17, 36);
+    EXPECT_FIELD(WorkshopCard_EF_Identification, cardIssueDate, 53, 4);
+    EXPECT_FIELD(WorkshopCard_EF_Identification, cardValidityBegin, 57, 4);
+    EXPECT_FIELD(WorkshopCard_EF_Identification, cardExpiryDate, 61, 4);
+    EXPECT_FIELD(WorkshopCard_EF_Identification, workshopName, 65, 36);
+    EXPECT_FIELD(WorkshopCard_EF_Identification, workshopAddress, 101, 36);
+    EXPECT_FIELD(WorkshopCard_EF_Identification, holderSurname, 137, 36);
+    EXPECT_FIELD(WorkshopCard_EF_Identification, holderFirstNames, 173, 36);
+    EXPECT_FIELD(WorkshopCard_EF_Identification, cardHolderPreferredLanguage, 209, 2);
+}
+
+TEST(Records, CalibrationRecord)
+{
+    expectPlainBytes<CalibrationRecord_g1>(105);
+    EXPECT_FIELD(CalibrationRecord_g1, calibrationPurpose, 0, 1);
+    EXPECT_FIELD(CalibrationRecord_g1, vehicleIdentificationNumber, 1, 17);
+    EXPECT_FIELD(CalibrationRecord_g1, vehicleRegistration, 18, 15);
+    EXPECT_FIELD(CalibrationRecord_g1, wVehicleCharacteristicConstant, 33, 2);
+    EXPECT_FIELD(CalibrationRecord_g1, kConstantOfRecordingEquipment, 35, 2);
+    EXPECT_FIELD(CalibrationRecord_g1, lTyreCircumference, 37, 2);
+    EXPECT_FIELD(CalibrationRecord_g1, tyreSize, 39, 15);
+    EXPECT_FIELD(CalibrationRecord_g1, authorisedSpeed, 54, 1);
+    EXPECT_FIELD(CalibrationRecord_g1, oldOdometerValue, 55, 3);
+    EXPECT_FIELD(CalibrationRecord_g1, newOdometerValue, 58, 3);
+    EXPECT_FIELD(CalibrationRecord_g1, oldTimeValue, 61, 4);
+    EXPECT_FIELD(CalibrationRecord_g1, newTimeValue, 65, 4);
+    EXPECT_FIELD(CalibrationRecord_g1, nextCalibrationDate, 69, 4);
+    EXPECT_FIELD(CalibrationRecord_g1, vuPartNumber, 73, 16);
+    EXPECT_FIELD(CalibrationRecord_g1, vuSerialNumber, 89, 8);
+    EXPECT_FIELD(CalibrationRecord_g1, sensorSerialNumber, 97, 8);
+}
+
+TEST(Records, WorkshopCardApplicationIdentificationG2)
+{
+    expectPlainBytes<WorkshopCardApplicationIdentification_g2>(19);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g2, typeOfTachographCardId, 0, 1);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g2, cardStructureVersion, 1, 2);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g2, noOfEventsPerType, 3, 1);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g2, noOfFaultsPerType, 4, 1);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g2, activityStructureLength, 5, 2);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g2, noOfCardVehicleRecords, 7, 2);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g2, noOfCardPlaceRecords, 9, 2);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g2, noOfCalibrationRecords, 11, 2);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g2, noOfGNSSADRecords, 13, 2);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g2, noOfSpecificConditionRecords, 15, 2);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g2, noOfCardVehicleUnitRecords, 17, 2);
+}
+
+TEST(Records, WorkshopCardApplicationIdentificationOfVersion22)
+{
+    expectPlainBytes<WorkshopCardApplicationIdentification_g2_2>(10);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g2_2, lengthOfFollowingData, 0, 2);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g2_2, noOfBorderCrossingRecords, 2, 2);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g2_2, noOfLoadUnloadRecords, 4, 2);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g2_2, noOfLoadTypeEntryRecords, 6, 2);
+    EXPECT_FIELD(WorkshopCardApplicationIdentification_g2_2, vuConfigurationLengthRange, 8, 2);
+}
+
+TEST(Records, CalibrationRecordG2)
+{
+    expectPlainBytes<CalibrationRecord_g2>(178);
+    EXPECT_FIELD(CalibrationRecord_g2, firstGeneration, 0, 105);
+    EXPECT_FIELD(CalibrationRecord_g2, sensorGNSSSerialNumber, 105, 8);
+    EXPECT_FIELD(CalibrationRecord_g2, rcmSerialNumber, 113, 8);
+    EXPECT_FIELD(CalibrationRecord_g2, vuAbility, 121, 1);
+    EXPECT_FIELD(CalibrationRecord_g2, noOfSealRecords, 122, 1);
+    EXPECT_FIELD(CalibrationRecord_g2, sealRecords, 123, 55);
+
+    expectPlainBytes<SealRecord>(11);
+    EXPECT_FIELD(SealRecord, equipmentType, 0, 1);
+    EXPECT_FIELD(SealRecord, sealManufacturerCode, 1, 2);
+    EXPECT_FIELD(SealRecord, sealIdentifier, 3, 8);
+}
+
+TEST(Records, WorkshopCardCalibrationAddDataRecord)
+{
+    expectPlainBytes<WorkshopCardCalibrationAddDataRecord_g2_2>(27);
+    EXPECT_FIELD(WorkshopCardCalibrationAddDataRecord_g2_2, oldTimeValue, 0, 4);
+    EXPECT_FIELD(WorkshopCardCalibrationAddDataRecord_g2_2, vehicleIdentificationNumber, 4, 17);
+    EXPECT_FIELD(WorkshopCardCalibrationAddDataRecord_g2_2, byDefaultLoadType, 21, 1);
+    EXPECT_FIELD(WorkshopCardCalibrationAddDataRecord_g2_2, calibrationCountry, 22, 1);
+    EXPECT_FIELD(WorkshopCardCalibrationAddDataRecord_g2_2, calibrationCountryTimestamp, 23, 4);
+}
+
+TEST(Records, CompanyCardApplicationIdentification)
+{
+    expectPlainBytes<CompanyCardApplicationIdentification>(5);
+    EXPECT_FIELD(CompanyCardApplicationIdentification, typeOfTachographCardId, 0, 1);
+    EXPECT_FIELD(CompanyCardApplicationIdentification, cardStructureVersion, 1, 2);
+    EXPECT_FIELD(CompanyCardApplicationIdentification, noOfCompanyActivityRecords, 3, 2);
+
+    expectPlainBytes<CompanyCardApplicationIdentification_g2_v2>(4);
+    EXPECT_FIELD(CompanyCardApplicationIdentification_g2_v2, lengthOfFollowingData, 0, 2);
+    EXPECT_FIELD(CompanyCardApplicationIdentification_g2_v2, vuConfigurationLengthRange, 2, 2);
+}
+
+TEST(Records, CompanyActivityRecord)
+{
+    expectPlainBytes<CompanyActivityRecord>(46);
+    EXPECT_FIELD(CompanyActivityRecord, companyActivityType, 0, 1);
+    EXPECT_FIELD(CompanyActivityRecord, companyActivityTime, 1, 4);
+    EXPECT_FIELD(CompanyActivityRecord, cardNumberInformation, 5, 18);
+    EXPECT_FIELD(CompanyActivityRecord, vehicleRegistrationInformation, 23, 15);
+    EXPECT_FIELD(CompanyActivityRecord, downloadPeriodBegin, 38, 4);
+    EXPECT_FIELD(CompanyActivityRecord, downloadPeriodEnd, 42, 4);
+}
+
+TEST(Records, CompanyCardIdentification)
+{
+    expectPlainBytes<CompanyCard_EF_Identification>(139);
+    EXPECT_FIELD(CompanyCard_EF_Identification, cardIssuingMemberState, 0, 1);
+    EXPECT_FIELD(CompanyCard_EF_Identification, cardNumber, 1, 16);
+    EXPECT_FIELD(CompanyCard_EF_Identification, cardIssuingAuthorityName, 17, 36);
+    EXPECT_FIELD(CompanyCard_EF_Identification, cardIssueDate, 53, 4);
+    EXPECT_FIELD(CompanyCard_EF_Identification, cardValidityBegin, 57, 4);
+    EXPECT_FIELD(CompanyCard_EF_Identification, cardExpiryDate, 61, 4);
+    EXPECT_FIELD(CompanyCard_EF_Identification, companyName, 65, 36);
+    EXPECT_FIELD(CompanyCard_EF_Identification, companyAddress, 101, 36);
+    EXPECT_FIELD(CompanyCard_EF_Identification, cardHolderPreferredLanguage, 137, 2);
 }
 
 } // namespace

@@ -1,0 +1,59 @@
+#include <scard/detail/CompanyG1Table.h>
+
+#include <scard/detail/ApplicationName.h>
+#include <scard/detail/TableParts.h>
+#include <scard/records/CompanyCard.h>
+
+namespace scard::detail {
+
+namespace {
+
+EfTable makeTable()
+{
+    using Application = CompanyCardApplicationIdentification;
+    const RecordCount activities =
+        SCARD_COUNT_FIELD(fidApplicationIdentification, Application, noOfCompanyActivityRecords);
+
+    const Piece certificate = records<unsigned char>(fixedCount(certificateBytesG1));
+    const Piece pointer = one<UInt16>();
+
+    constexpr auto yes = Signing::Signed;
+    constexpr auto no = Signing::Unsigned;
+
+    EfTable table;
+    table.applicationName = firstGenerationApplication();
+    table.secondGeneration = false;
+    table.counts = {
+        {fidApplicationIdentification,
+         "calcDataToRead(): Error reading SCardCompany G1 EF_Application_Identification:"}};
+    table.totalEntry = OwnEntry::Last;
+    table.stepEntry = OwnEntry::Last;
+    table.efFailure = EfFailure::RowsText;
+    table.rows = chipRows();
+    // Without EF_Identification: reading it needs an authentication.
+    // clang-format off
+    appendRows(table, {
+        {efApplicationIdentification, {one<Application>()}, yes},
+        {efCardCertificate, {certificate}, no},
+        {efCaCertificate, {certificate}, no},
+        {efCompanyActivityData, {pointer, records<CompanyActivityRecord>(activities)}, yes},
+    });
+    // clang-format on
+    table.saveOrder = {fidIcc,
+                       fidIc,
+                       fidApplicationIdentification,
+                       fidCardCertificate,
+                       fidCaCertificate,
+                       fidCompanyActivityData};
+    return table;
+}
+
+} // namespace
+
+const EfTable& companyG1Table()
+{
+    static const EfTable table = makeTable();
+    return table;
+}
+
+} // namespace scard::detail
