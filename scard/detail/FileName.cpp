@@ -1,5 +1,6 @@
 #include <scard/detail/FileName.h>
 
+#include <QByteArray>
 #include <QLocale>
 
 #include <algorithm>
@@ -69,6 +70,27 @@ QString driverFileName(FilenameRegion region, const DriverCardNumber& number, co
     const QString indices =
         upperCaseIndex(number.cardReplacementIndex) + upperCaseIndex(number.cardRenewalIndex);
     return fileName(region, {card, card, card.trimmed() + indices}, parts);
+}
+
+QString workshopFileName(FilenameRegion region, const OwnerCardNumber& number, const FileNameParts& parts)
+{
+    const QString card = upperCaseNumber(number.ownerIdentification);
+    const QString indices = upperCaseIndex(number.cardConsecutiveIndex) +
+                            upperCaseIndex(number.cardReplacementIndex) +
+                            upperCaseIndex(number.cardRenewalIndex);
+    // The name is trimmed before its extension; it begins with a letter, so only its end can have blanks.
+    QString ddd = QLatin1Char('_') + card + indices;
+    ddd = ddd.trimmed().mid(1);
+    return fileName(region, {ddd, card, card.trimmed() + indices}, parts);
+}
+
+QString companyFileName(const ExtendedSerialNumber& serial, const QDateTime& timestamp)
+{
+    // Without the manufacturer code, the last byte.
+    constexpr int shownBytes = sizeof serial - sizeof serial.manufacturerCode;
+    const QByteArray shown(reinterpret_cast<const char*>(&serial), shownBytes);
+    return QStringLiteral("C_") + timeText(timestamp, "yyyyMMdd_hhmm_") + QStringLiteral("Company Card_") +
+           QString::fromLatin1(shown.toHex().toUpper()) + QStringLiteral(".DDD");
 }
 
 } // namespace scard::detail

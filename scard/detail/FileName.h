@@ -11,7 +11,7 @@
 
 namespace scard::detail {
 
-/// What the name of a download file is made of, beside the card's number.
+/// What the name of a driver's or a workshop's download file is made of, beside the card's number.
 struct FileNameParts
 {
     QString countryCode; ///< letters of the nation that issued the card
@@ -20,7 +20,7 @@ struct FileNameParts
     QDateTime timestamp;
 };
 
-/// The parts from an EF_Identification.
+/// The parts from a driver's or a workshop's EF_Identification.
 template <typename Identification>
 FileNameParts fileNameParts(const Identification& identification, const QDateTime& timestamp)
 {
@@ -32,5 +32,11 @@ FileNameParts fileNameParts(const Identification& identification, const QDateTim
 
 /// The file name by the convention @p region; empty for a region that does not exist.
 QString driverFileName(FilenameRegion region, const DriverCardNumber& number, const FileNameParts& parts);
+
+/// The same for a workshop, whose name has the card's three indices in it where a driver's has none or two.
+QString workshopFileName(FilenameRegion region, const OwnerCardNumber& number, const FileNameParts& parts);
+
+/// A company's file is named by the card's serial number, in every region: the company is not known.
+QString companyFileName(const ExtendedSerialNumber& serial, const QDateTime& timestamp);
 
 } // namespace scard::detail

@@ -6,7 +6,7 @@
 
 namespace scard::detail {
 
-/// First names, ", ", surname, both trimmed.
+/// First names, ", ", surname, both trimmed; of a driver's or a workshop's EF_Identification.
 template <typename Identification>
 QString holderName(const Identification& identification)
 {

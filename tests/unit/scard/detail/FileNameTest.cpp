@@ -213,4 +213,251 @@ TEST(DriverFileName, AnUnpersonalisedCardStillHasAName)
     EXPECT_EQ(nameBy(RegionTGD, parts), "C___20240305_1407.TGD");
 }
 
+struct WorkshopParts
+{
+    const char* country = "D";
+    std::string owner = "DW00000001234";
+    std::string indices = "201"; ///< consecutive, replacement, renewal
+    QString firstNames = QStringLiteral("Petra");
+    QString surname = QStringLiteral("Musterfrau");
+    QDateTime timestamp{QDate(2024, 3, 5), QTime(14, 7, 59), Qt::UTC};
+};
+
+std::string workshopNameBy(FilenameRegion region, const WorkshopParts& parts)
+{
+    scard::OwnerCardNumber number{};
+    EXPECT_EQ(parts.owner.size(), sizeof number.ownerIdentification);
+    EXPECT_EQ(parts.indices.size(), 3U);
+    std::memcpy(number.ownerIdentification, parts.owner.data(), sizeof number.ownerIdentification);
+    number.cardConsecutiveIndex = static_cast<unsigned char>(parts.indices.at(0));
+    number.cardReplacementIndex = static_cast<unsigned char>(parts.indices.at(1));
+    number.cardRenewalIndex = static_cast<unsigned char>(parts.indices.at(2));
+    return scard::detail::workshopFileName(
+               region, number,
+               {QString::fromLatin1(parts.country), parts.firstNames, parts.surname, parts.timestamp})
+        .toStdString();
+}
+
+TEST(WorkshopFileName, EachRegionHasItsConvention)
+{
+    EXPECT_EQ(workshopNameBy(RegionDDD, {}), "C_20240305_1407_P_Musterfrau_DW00000001234201.DDD");
+    EXPECT_EQ(workshopNameBy(RegionC1B, {}), "D__DW000000012342403051407.C1B");
+    EXPECT_EQ(workshopNameBy(RegionTGD, {}), "C_DW00000001234201_D_20240305_1407.TGD");
+}
+
+TEST(WorkshopFileName, InC1bHasThreeThirteenAndTenCharacters)
+{
+    for (const char* country : {"", "F", "AL", "AND", "ABCD"}) {
+        WorkshopParts parts;
+        parts.country = country;
+        EXPECT_EQ(workshopNameBy(RegionC1B, parts).size(), 3U + 13U + 10U + 4U) << country;
+    }
+}
+
+TEST(WorkshopFileName, AnUnknownRegionHasNoName)
+{
+    for (const unsigned int region : {3U, 4U, 255U, 0xFFFFFFFFU})
+        EXPECT_EQ(workshopNameBy(static_cast<FilenameRegion>(region), {}), "") << region;
+}
+
+TEST(WorkshopFileName, CountriesAreFilledAndCutToThreeCharactersInC1bOnly)
+{
+    const struct
+    {
+        const char* country;
+        const char* c1b;
+        const char* tgd;
+    } rows[] = {
+        {"", "___DW000000012342403051407.C1B", "C_DW00000001234201__20240305_1407.TGD"},
+        {"F", "F__DW000000012342403051407.C1B", "C_DW00000001234201_F_20240305_1407.TGD"},
+        {"AL", "AL_DW000000012342403051407.C1B", "C_DW00000001234201_AL_20240305_1407.TGD"},
+        {"AND", "ANDDW000000012342403051407.C1B", "C_DW00000001234201_AND_20240305_1407.TGD"},
+        {"ABCD", "ABCDW000000012342403051407.C1B", "C_DW00000001234201_ABCD_20240305_1407.TGD"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.country);
+        WorkshopParts parts;
+        parts.country = row.country;
+        EXPECT_EQ(workshopNameBy(RegionC1B, parts), row.c1b);
+        EXPECT_EQ(workshopNameBy(RegionTGD, parts), row.tgd);
+        EXPECT_EQ(workshopNameBy(RegionDDD, parts), workshopNameBy(RegionDDD, {}));
+    }
+}
+
+TEST(WorkshopFileName, TheCardTextIsUpperCase)
+{
+    WorkshopParts parts;
+    parts.owner = "dw0000000123x";
+
+    EXPECT_EQ(workshopNameBy(RegionDDD, parts), "C_20240305_1407_P_Musterfrau_DW0000000123X201.DDD");
+    EXPECT_EQ(workshopNameBy(RegionC1B, parts), "D__DW0000000123X2403051407.C1B");
+    EXPECT_EQ(workshopNameBy(RegionTGD, parts), "C_DW0000000123X201_D_20240305_1407.TGD");
+}
+
+TEST(WorkshopFileName, EachOfTheThreeIndicesIsUpperCase)
+{
+    WorkshopParts parts;
+    parts.indices = "abz";
+
+    EXPECT_EQ(workshopNameBy(RegionDDD, parts), "C_20240305_1407_P_Musterfrau_DW00000001234ABZ.DDD");
+    EXPECT_EQ(workshopNameBy(RegionTGD, parts), "C_DW00000001234ABZ_D_20240305_1407.TGD");
+    EXPECT_EQ(workshopNameBy(RegionC1B, parts), workshopNameBy(RegionC1B, {}));
+}
+
+TEST(WorkshopFileName, AnIndexBeyondAsciiIsOneCharacter)
+{
+    WorkshopParts parts;
+    parts.indices = "0\xE9{"; // the last one stands right behind the small letters
+
+    EXPECT_EQ(
+        workshopNameBy(RegionTGD, parts),
+        QStringLiteral("C_DW000000012340\u00E9{_D_20240305_1407.TGD").toStdString());
+}
+
+TEST(WorkshopFileName, AZeroIndexDoesNotEndTheName)
+{
+    WorkshopParts parts;
+    parts.indices = std::string("\0\0\0", 3);
+    EXPECT_EQ(workshopNameBy(RegionDDD, parts), "C_20240305_1407_P_Musterfrau_DW00000001234.DDD");
+    EXPECT_EQ(workshopNameBy(RegionTGD, parts), "C_DW00000001234_D_20240305_1407.TGD");
+
+    parts.indices = std::string("\0a\0", 3);
+    EXPECT_EQ(workshopNameBy(RegionDDD, parts), "C_20240305_1407_P_Musterfrau_DW00000001234A.DDD");
+    EXPECT_EQ(workshopNameBy(RegionTGD, parts), "C_DW00000001234A_D_20240305_1407.TGD");
+}
+
+TEST(WorkshopFileName, TheCardTextEndsAtAZeroByte)
+{
+    WorkshopParts parts;
+    parts.owner = std::string("DW123\0\0AB\0CDE", 13);
+
+    EXPECT_EQ(workshopNameBy(RegionDDD, parts), "C_20240305_1407_P_Musterfrau_DW123201.DDD");
+    EXPECT_EQ(workshopNameBy(RegionC1B, parts), "D__DW1232403051407.C1B");
+    EXPECT_EQ(workshopNameBy(RegionTGD, parts), "C_DW123201_D_20240305_1407.TGD");
+}
+
+TEST(WorkshopFileName, BlanksOfTheCardTextAreTrimmedInTgdOnly)
+{
+    WorkshopParts parts;
+    parts.owner = " DW 12345    ";
+
+    EXPECT_EQ(workshopNameBy(RegionDDD, parts), "C_20240305_1407_P_Musterfrau_ DW 12345    201.DDD");
+    EXPECT_EQ(workshopNameBy(RegionC1B, parts), "D__ DW 12345    2403051407.C1B");
+    EXPECT_EQ(workshopNameBy(RegionTGD, parts), "C_DW 12345201_D_20240305_1407.TGD");
+}
+
+TEST(WorkshopFileName, InDddTheWholeNameIsTrimmed)
+{
+    WorkshopParts parts;
+    parts.indices = "   ";
+    EXPECT_EQ(workshopNameBy(RegionDDD, parts), "C_20240305_1407_P_Musterfrau_DW00000001234.DDD");
+    EXPECT_EQ(workshopNameBy(RegionTGD, parts), "C_DW00000001234   _D_20240305_1407.TGD");
+
+    parts.indices = "1\t\n";
+    EXPECT_EQ(workshopNameBy(RegionDDD, parts), "C_20240305_1407_P_Musterfrau_DW000000012341.DDD");
+
+    parts.owner = "DW 1234      ";
+    parts.indices = "   ";
+    EXPECT_EQ(workshopNameBy(RegionDDD, parts), "C_20240305_1407_P_Musterfrau_DW 1234.DDD");
+    EXPECT_EQ(workshopNameBy(RegionC1B, parts), "D__DW 1234      2403051407.C1B");
+
+    parts.owner = std::string(13, ' ');
+    parts.surname = QString(35, QLatin1Char(' '));
+    EXPECT_EQ(workshopNameBy(RegionDDD, parts), "C_20240305_1407_P__.DDD");
+}
+
+TEST(WorkshopFileName, TheFirstNamesGiveTheirFirstCharacterUntrimmedInItsOwnCase)
+{
+    const struct
+    {
+        const char* name;
+        QString firstNames;
+        QString expected;
+    } rows[] = {
+        {"filled up with blanks", QStringLiteral("Petra Maria        "), QStringLiteral("P")},
+        {"lower case", QStringLiteral("petra"), QStringLiteral("p")},
+        {"beyond ASCII", QStringLiteral("\u0141ukasz"), QStringLiteral("\u0141")},
+        {"leading blank", QStringLiteral(" Petra"), QStringLiteral(" ")},
+        {"all blanks", QString(35, QLatin1Char(' ')), QStringLiteral(" ")},
+        {"empty", QString(), QString()},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        WorkshopParts parts;
+        parts.firstNames = row.firstNames;
+        EXPECT_EQ(
+            workshopNameBy(RegionDDD, parts),
+            "C_20240305_1407_" + row.expected.toStdString() + "_Musterfrau_DW00000001234201.DDD");
+    }
+}
+
+TEST(WorkshopFileName, TheSurnameIsTrimmedInItsOwnCase)
+{
+    WorkshopParts parts;
+    parts.surname = QStringLiteral("  van der \u0141\u00F3d\u017A   ");
+
+    EXPECT_EQ(
+        workshopNameBy(RegionDDD, parts),
+        QStringLiteral("C_20240305_1407_P_van der \u0141\u00F3d\u017A_DW00000001234201.DDD").toStdString());
+}
+
+TEST(WorkshopFileName, TheDigitsAreThoseOfTheTimestamp)
+{
+    WorkshopParts parts;
+    parts.timestamp = QDateTime(QDate(2009, 12, 31), QTime(0, 0, 0), Qt::UTC);
+
+    EXPECT_EQ(workshopNameBy(RegionDDD, parts), "C_20091231_0000_P_Musterfrau_DW00000001234201.DDD");
+    EXPECT_EQ(workshopNameBy(RegionC1B, parts), "D__DW000000012340912310000.C1B");
+    EXPECT_EQ(workshopNameBy(RegionTGD, parts), "C_DW00000001234201_D_20091231_0000.TGD");
+}
+
+TEST(WorkshopFileName, AnUnpersonalisedCardStillHasAName)
+{
+    WorkshopParts parts;
+    parts.country = "";
+    parts.owner = std::string(13, '\0');
+    parts.indices = std::string(3, '\0');
+    parts.firstNames.clear();
+    parts.surname.clear();
+
+    EXPECT_EQ(workshopNameBy(RegionDDD, parts), "C_20240305_1407___.DDD");
+    EXPECT_EQ(workshopNameBy(RegionC1B, parts), "___2403051407.C1B");
+    EXPECT_EQ(workshopNameBy(RegionTGD, parts), "C___20240305_1407.TGD");
+}
+
+std::string companyName(
+    const scard::ExtendedSerialNumber& serial,
+    const QDateTime& timestamp = QDateTime(QDate(2024, 3, 5), QTime(14, 7, 59), Qt::UTC))
+{
+    return scard::detail::companyFileName(serial, timestamp).toStdString();
+}
+
+TEST(CompanyFileName, HasTheSerialNumberWithoutTheMakersCode)
+{
+    EXPECT_EQ(
+        companyName({{0x00, 0x12, 0x34, 0x56}, {0x03, 0x24}, 0x0A, 0x00}),
+        "C_20240305_1407_Company Card_0012345603240A.DDD");
+    EXPECT_EQ(
+        companyName({{0x00, 0x12, 0x34, 0x56}, {0x03, 0x24}, 0x0A, 0xBC}),
+        "C_20240305_1407_Company Card_0012345603240A.DDD");
+}
+
+TEST(CompanyFileName, TheSerialNumberHasFourteenUpperCaseDigits)
+{
+    EXPECT_EQ(companyName({}), "C_20240305_1407_Company Card_00000000000000.DDD");
+    EXPECT_EQ(
+        companyName({{0xAB, 0xCD, 0xEF, 0x01}, {0x0A, 0xF0}, 0xFE, 0xFF}),
+        "C_20240305_1407_Company Card_ABCDEF010AF0FE.DDD");
+    EXPECT_EQ(
+        companyName({{0x00, 0x00, 0x00, 0x00}, {0x00, 0x00}, 0x01, 0x00}),
+        "C_20240305_1407_Company Card_00000000000001.DDD");
+}
+
+TEST(CompanyFileName, TheDigitsAreThoseOfTheTimestamp)
+{
+    EXPECT_EQ(
+        companyName({}, QDateTime(QDate(2009, 12, 31), QTime(23, 59, 59), Qt::UTC)),
+        "C_20091231_2359_Company Card_00000000000000.DDD");
+}
+
 } // namespace
