@@ -252,7 +252,7 @@ class SCARD_EXPORT SCardGeneric : public QObject
     /// Language that the holder prefers.
     void cardLanguage(QLocale language);
 
-    /// First names, ", ", surname.
+    /// First names, ", ", surname; of a second-generation company card the company's name.
     void cardHolderName(QString name);
 
     /// Declared for the host; the library never emits it.

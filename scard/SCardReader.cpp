@@ -3,8 +3,12 @@
 #include <scard/detail/ErrorBuilder.h>
 #include <scard/detail/OutputFile.h>
 #include <scard/detail/PcscError.h>
+#include <scard/SCardCompanyG1.h>
+#include <scard/SCardCompanyG2.h>
 #include <scard/SCardDriverG1.h>
 #include <scard/SCardDriverG2.h>
+#include <scard/SCardWorkshopG1.h>
+#include <scard/SCardWorkshopG2.h>
 
 #include <QDebug>
 
@@ -38,6 +42,14 @@ SCARD_READERSTATE unawareOf(const char* readerName)
 const char* keptReaderName(const char* name)
 {
     return ::strdup(name);
+}
+
+template <typename First, typename Second>
+std::shared_ptr<SCardGeneric> ofGeneration(const SCardGeneric& card)
+{
+    if (card.is2ndGeneneration())
+        return std::make_shared<Second>(card);
+    return std::make_shared<First>(card);
 }
 
 /// The step's entry behind the entries of what made it fail.
@@ -195,11 +207,16 @@ aux::Error SCardReader::read(FilenameRegion region)
 
 std::shared_ptr<SCardGeneric> SCardReader::generateSpecific(const SCardGeneric& card)
 {
-    if (card.getCardType() != SCardMeta::DriverCard)
+    switch (card.getCardType()) {
+    case SCardMeta::DriverCard:
+        return ofGeneration<SCardDriverG1, SCardDriverG2>(card);
+    case SCardMeta::WorkshopCard:
+        return ofGeneration<SCardWorkshopG1, SCardWorkshopG2>(card);
+    case SCardMeta::CompanyCard:
+        return ofGeneration<SCardCompanyG1, SCardCompanyG2>(card);
+    default:
         return std::make_shared<SCardGeneric>(card);
-    if (card.is2ndGeneneration())
-        return std::make_shared<SCardDriverG2>(card);
-    return std::make_shared<SCardDriverG1>(card);
+    }
 }
 
 } // namespace scard

@@ -60,9 +60,9 @@ class SCARD_EXPORT SCardReader : public QObject
     /// The card is told of the download only after the whole file is on the disk.
     aux::Error read(FilenameRegion region);
 
-    /// Makes the card object for type and generation of the identified @p card, on the same card or
-    /// image: SCardDriverG1 or SCardDriverG2 (version 2.2 included) for a driver card, a copy of @p card
-    /// itself for a type that has no class.
+    /// Makes the card object for type and generation of the identified @p card, on the same card or image:
+    /// SCardDriverG1, SCardWorkshopG1 or SCardCompanyG1, or its class of the second generation (version 2.2
+    /// included); a copy of @p card itself for a type that has no class.
     std::shared_ptr<SCardGeneric> generateSpecific(const SCardGeneric& card);
 
   Q_SIGNALS:
@@ -87,7 +87,7 @@ class SCARD_EXPORT SCardReader : public QObject
     /// Once in a download, before any dataset is read.
     void cardType(scard::SCardMeta::Type type);
 
-    /// First names, ", ", surname.
+    /// First names, ", ", surname; of a second-generation company card the company's name.
     void cardHolder(QString name);
 
   private:

@@ -15,7 +15,8 @@ for symbol in $used; do
 done
 
 shown=$(nm -DC --defined-only "$1" | cut -d' ' -f3-)
-for class in SCardReader SCardGeneric SCardDriverG1 SCardDriverG2; do
+for class in SCardReader SCardGeneric SCardDriverG1 SCardDriverG2 SCardWorkshopG1 SCardWorkshopG2 SCardCompanyG1 \
+    SCardCompanyG2; do
     echo "$shown" | grep -q "scard::$class::staticMetaObject" || { echo "does not show scard::$class"; status=1; }
 done
 echo "$shown" | grep -q "scard::SCardMeta::staticMetaObject" || { echo "does not show scard::SCardMeta"; status=1; }

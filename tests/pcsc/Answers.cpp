@@ -107,6 +107,54 @@ void addSingleRecords(
     lines.add("licence", licence.issuingAuthority, textOf(licence.issuingNation), licence.number);
 }
 
+QString textOf(const scard::EquipmentSerialNumber& number)
+{
+    return QStringLiteral("%1 %2 %3 %4")
+        .arg(number.serialNumber)
+        .arg(number.monthYear)
+        .arg(number.type)
+        .arg(number.manufacturerCode);
+}
+
+QString textOf(const std::optional<scard::EquipmentSerialNumber>& number)
+{
+    return number ? textOf(*number) : QStringLiteral("-");
+}
+
+template <typename Record>
+QString bytesOf(const Record& record)
+{
+    return QString::fromLatin1(QByteArray(reinterpret_cast<const char*>(&record), sizeof record).toHex());
+}
+
+void addCalibrations(
+    Lines& lines, const scard::CalibrationCounters& counters,
+    const std::vector<scard::Calibration>& calibrations)
+{
+    lines.add("counters", textOf(counters.total), textOf(counters.sinceDownload));
+    for (const scard::Calibration& each : calibrations) {
+        lines.add(
+            "calibration", each.purpose, each.vehicleIdentificationNumber, textOf(each.nation),
+            each.registration, each.vehicleCharacteristicConstant, each.recordingEquipmentConstant,
+            each.tyreCircumference, each.tyreSize, each.authorisedSpeed, each.oldOdometer, each.newOdometer,
+            each.oldTime, each.newTime, each.nextCalibration, each.vuPartNumber, textOf(each.vuSerialNumber),
+            textOf(each.sensorSerialNumber), textOf(each.gnssSerialNumber),
+            textOf(each.remoteCommunicationSerialNumber),
+            each.refusesFirstGenerationCards ? (*each.refusesFirstGenerationCards ? "yes" : "no") : "-");
+        for (const scard::Seal& seal : each.seals)
+            lines.add("seal", seal.equipmentType, seal.manufacturerCode, seal.identifier);
+    }
+}
+
+std::string activitiesText(const std::vector<scard::CompanyActivity>& activities, Lines lines = {})
+{
+    for (const scard::CompanyActivity& each : activities)
+        lines.add(
+            "activity", each.activityType, each.time, each.cardType, textOf(each.cardNation), each.cardNumber,
+            textOf(each.nation), each.registration, each.downloadPeriodBegin, each.downloadPeriodEnd);
+    return lines.text();
+}
+
 } // namespace
 
 std::string identityOf(SCardDriverG1& card)
@@ -176,6 +224,38 @@ std::string secondAnswersOf(const SCardDriverG2& card)
     for (const scard::LoadTypeEntry& entry : card.getLoadTypeEntries())
         lines.add("loadtype", entry.time, entry.loadType);
     return lines.text();
+}
+
+std::string answersOf(const scard::SCardWorkshopG1& card)
+{
+    Lines lines;
+    lines.add("holder", card.getCardHolderName(), bytesOf(card.getCardIdentification()));
+    addCalibrations(lines, card.getCalibrationCounters(), card.getCalibrations());
+    return lines.text();
+}
+
+std::string secondAnswersOf(const scard::SCardWorkshopG2& card)
+{
+    Lines lines;
+    lines.add("holder", bytesOf(card.getCardIdentificationG2()));
+    addCalibrations(lines, card.getCalibrationCountersG2(), card.getCalibrationsG2());
+    for (const scard::CalibrationAddData& each : card.getCalibrationAddData())
+        lines.add(
+            "more", each.oldTime, each.vehicleIdentificationNumber, each.defaultLoadType,
+            textOf(each.country), each.countryTime);
+    return lines.text();
+}
+
+std::string answersOf(const scard::SCardCompanyG1& card)
+{
+    return activitiesText(card.getCompanyActivities());
+}
+
+std::string secondAnswersOf(const scard::SCardCompanyG2& card)
+{
+    Lines lines;
+    lines.add("holder", card.getCardHolderName(), bytesOf(card.getCardIdentification()));
+    return activitiesText(card.getCompanyActivitiesG2(), lines);
 }
 
 int countOf(const std::string& answers, const std::string& name)

@@ -1,10 +1,14 @@
 #include "QtPrinters.h"
 
+#include <scard/SCardCompanyG1.h>
+#include <scard/SCardCompanyG2.h>
 #include <scard/SCardDriverG1.h>
 #include <scard/SCardDriverG2.h>
 #include <scard/SCardGeneric.h>
 #include <scard/SCardMeta.h>
 #include <scard/SCardReader.h>
+#include <scard/SCardWorkshopG1.h>
+#include <scard/SCardWorkshopG2.h>
 
 #include <gmock/gmock.h>
 
@@ -88,18 +92,41 @@ TEST(MetaTypes, TheCardsSignalsAreThese)
         UnorderedElementsAre(
             "progress(int)", "removed()", "cardLanguage(QLocale)", "cardHolderName(QString)",
             "lastCardDownload(QDateTime)"));
-    EXPECT_THAT(signalsOf(scard::SCardDriverG1::staticMetaObject), ElementsAre());
-    EXPECT_THAT(signalsOf(scard::SCardDriverG2::staticMetaObject), ElementsAre());
+    for (const QMetaObject* meta :
+         {&scard::SCardDriverG1::staticMetaObject, &scard::SCardDriverG2::staticMetaObject,
+          &scard::SCardWorkshopG1::staticMetaObject, &scard::SCardWorkshopG2::staticMetaObject,
+          &scard::SCardCompanyG1::staticMetaObject, &scard::SCardCompanyG2::staticMetaObject})
+        EXPECT_THAT(signalsOf(*meta), ElementsAre()) << meta->className();
 }
 
 TEST(MetaTypes, ClassesDeriveAsTheirMetaObjectsSay)
 {
-    EXPECT_STREQ(scard::SCardDriverG2::staticMetaObject.className(), "scard::SCardDriverG2");
-    EXPECT_EQ(scard::SCardDriverG2::staticMetaObject.superClass(), &scard::SCardDriverG1::staticMetaObject);
-    EXPECT_STREQ(scard::SCardDriverG1::staticMetaObject.className(), "scard::SCardDriverG1");
-    EXPECT_EQ(scard::SCardDriverG1::staticMetaObject.superClass(), &scard::SCardGeneric::staticMetaObject);
-    EXPECT_EQ(scard::SCardGeneric::staticMetaObject.superClass(), &QObject::staticMetaObject);
-    EXPECT_EQ(scard::SCardReader::staticMetaObject.superClass(), &QObject::staticMetaObject);
+    const struct
+    {
+        const QMetaObject* meta;
+        const char* name;
+        const QMetaObject* base;
+    } rows[] = {
+        {&scard::SCardGeneric::staticMetaObject, "scard::SCardGeneric", &QObject::staticMetaObject},
+        {&scard::SCardReader::staticMetaObject, "scard::SCardReader", &QObject::staticMetaObject},
+        {&scard::SCardDriverG1::staticMetaObject, "scard::SCardDriverG1",
+         &scard::SCardGeneric::staticMetaObject},
+        {&scard::SCardDriverG2::staticMetaObject, "scard::SCardDriverG2",
+         &scard::SCardDriverG1::staticMetaObject},
+        {&scard::SCardWorkshopG1::staticMetaObject, "scard::SCardWorkshopG1",
+         &scard::SCardGeneric::staticMetaObject},
+        {&scard::SCardWorkshopG2::staticMetaObject, "scard::SCardWorkshopG2",
+         &scard::SCardWorkshopG1::staticMetaObject},
+        {&scard::SCardCompanyG1::staticMetaObject, "scard::SCardCompanyG1",
+         &scard::SCardGeneric::staticMetaObject},
+        {&scard::SCardCompanyG2::staticMetaObject, "scard::SCardCompanyG2",
+         &scard::SCardCompanyG1::staticMetaObject},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_STREQ(row.meta->className(), row.name);
+        EXPECT_EQ(row.meta->superClass(), row.base);
+    }
 }
 
 } // namespace

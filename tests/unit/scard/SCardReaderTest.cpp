@@ -1,8 +1,13 @@
 #include "QtPrinters.h"
 #include "scard/DriverImage.h"
 
+#include <scard/SCardCompanyG1.h>
+#include <scard/SCardCompanyG2.h>
 #include <scard/SCardDriverG1.h>
+#include <scard/SCardDriverG2.h>
 #include <scard/SCardReader.h>
+#include <scard/SCardWorkshopG1.h>
+#include <scard/SCardWorkshopG2.h>
 #include <support/DebugStream.h>
 #include <support/ErrorChain.h>
 
@@ -11,6 +16,7 @@
 #include <QCoreApplication>
 #include <QMetaType>
 
+#include <string>
 #include <typeinfo>
 
 // What a reader object does before it meets PC/SC.
@@ -69,23 +75,65 @@ TEST(SCardReader, ADriverCardOfTheFirstGenerationGetsItsClass)
     EXPECT_EQ(card->getFilename(), QStringLiteral("C_DF00000012345601_D_20240305_1407.TGD"));
 }
 
-TEST(SCardReader, ATypeWithoutAClassStaysGeneric)
+TEST(SCardReader, TypeAndGenerationChooseTheClass)
 {
+    const struct
+    {
+        unsigned char type;
+        unsigned char generation;
+        unsigned char version;
+        const std::type_info& expected;
+    } rows[] = {
+        {1, test::dataG1, 0, typeid(SCardDriverG1)},
+        {1, test::dataG2, 0, typeid(scard::SCardDriverG2)},
+        {1, test::dataG2, 1, typeid(scard::SCardDriverG2)},
+        {2, test::dataG1, 0, typeid(scard::SCardWorkshopG1)},
+        {2, test::dataG1, 1, typeid(scard::SCardWorkshopG1)},
+        {2, test::dataG2, 0, typeid(scard::SCardWorkshopG2)},
+        {2, test::dataG2, 1, typeid(scard::SCardWorkshopG2)},
+        {3, test::dataG1, 0, typeid(SCardGeneric)},
+        {3, test::dataG2, 0, typeid(SCardGeneric)},
+        {3, test::dataG2, 1, typeid(SCardGeneric)},
+        {4, test::dataG1, 0, typeid(scard::SCardCompanyG1)},
+        {4, test::dataG1, 1, typeid(scard::SCardCompanyG1)},
+        {4, test::dataG2, 0, typeid(scard::SCardCompanyG2)},
+        {4, test::dataG2, 1, typeid(scard::SCardCompanyG2)},
+    };
     SCardReader reader;
-    for (const unsigned char generation : {test::dataG1, test::dataG2}) {
-        SCOPED_TRACE(static_cast<int>(generation));
-        ImageFile file(Image().add(0x0501, generation, {3, 1, 1}));
-        SCardGeneric generic(file, moment(), RegionDDD);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.expected.name() + std::to_string(row.version));
+        ImageFile file(Image().add(0x0501, row.generation, {row.type, 1, row.version}));
+        SCardGeneric generic(file, moment(), RegionTGD);
         ASSERT_THAT(chain(generic.readCardInfo()), IsEmpty());
 
         const std::shared_ptr<SCardGeneric> card = reader.generateSpecific(generic);
 
         const SCardGeneric& made = *card;
-        EXPECT_EQ(typeid(made), typeid(SCardGeneric));
+        EXPECT_EQ(typeid(made), row.expected);
         EXPECT_NE(&made, &generic);
-        EXPECT_EQ(made.getCardType(), scard::SCardMeta::ControlCard);
-        EXPECT_EQ(made.is2ndGeneneration(), generation == test::dataG2);
-        EXPECT_EQ(made.is2_2Generation(), generation == test::dataG2);
+        EXPECT_EQ(card.use_count(), 1);
+        EXPECT_EQ(made.getCardType(), static_cast<scard::SCardMeta::Type>(row.type));
+        EXPECT_EQ(made.is2ndGeneneration(), row.generation == test::dataG2);
+        EXPECT_EQ(made.is2_2Generation(), row.generation == test::dataG2 && row.version == 1);
+        EXPECT_EQ(made.getDownloadTimestamp(), moment());
+    }
+}
+
+TEST(SCardReader, ATypeThatIdentificationRefusesStaysGeneric)
+{
+    SCardReader reader;
+    for (const unsigned char generation : {test::dataG1, test::dataG2}) {
+        for (const unsigned char type : test::Bytes{0, 5, 6, 7, 8, 255}) {
+            SCOPED_TRACE(static_cast<int>(type));
+            ImageFile file(Image().add(0x0501, generation, {type, 1, 1}));
+            SCardGeneric generic(file, moment(), RegionDDD);
+            ASSERT_FALSE(generic.readCardInfo().isEmpty());
+
+            const std::shared_ptr<SCardGeneric> card = reader.generateSpecific(generic);
+
+            const SCardGeneric& made = *card;
+            EXPECT_EQ(typeid(made), typeid(SCardGeneric));
+        }
     }
 }
 

@@ -1,6 +1,10 @@
+#include <scard/SCardCompanyG1.h>
+#include <scard/SCardCompanyG2.h>
 #include <scard/SCardDriverG1.h>
 #include <scard/SCardDriverG2.h>
 #include <scard/SCardGeneric.h>
+#include <scard/SCardWorkshopG1.h>
+#include <scard/SCardWorkshopG2.h>
 
 #include <gtest/gtest.h>
 
@@ -12,9 +16,13 @@
 
 namespace {
 
+using scard::SCardCompanyG1;
+using scard::SCardCompanyG2;
 using scard::SCardDriverG1;
 using scard::SCardDriverG2;
 using scard::SCardGeneric;
+using scard::SCardWorkshopG1;
+using scard::SCardWorkshopG2;
 
 constexpr std::ptrdiff_t notVirtual = -1;
 
@@ -156,6 +164,83 @@ TEST(VirtualSlots, FiguresAndValuesHaveNoSlot)
     EXPECT_EQ(slotOf(&SCardDriverG2::getBorderCrossings), notVirtual);
     EXPECT_EQ(slotOf(&SCardDriverG2::getLoadUnloadOperations), notVirtual);
     EXPECT_EQ(slotOf(&SCardDriverG2::getLoadTypeEntries), notVirtual);
+}
+
+/// The next slot behind those of @p Card.
+template <typename Card>
+struct Behind : Card
+{
+    virtual void next() {}
+
+    static std::ptrdiff_t slot() { return slotOf(&Behind::next); }
+};
+
+template <typename Card>
+void expectTheStepsAndNothingMore()
+{
+    EXPECT_EQ(slotOf(&Card::calcDataToRead), slotOf(&SCardGeneric::calcDataToRead));
+    EXPECT_EQ(slotOf(&Card::read), slotOf(&SCardGeneric::read));
+    EXPECT_EQ(slotOf(&Card::saveToFile), slotOf(&SCardGeneric::saveToFile));
+    EXPECT_EQ(slotOf(&Card::postDownloadTasks), slotOf(&SCardGeneric::postDownloadTasks));
+    EXPECT_EQ(slotOf(&Card::extraTask), slotOf(&SCardGeneric::extraTask));
+    EXPECT_EQ(Behind<Card>::slot(), slotOf(&SCardGeneric::extraTask) + 1);
+}
+
+TEST(VirtualSlots, WorkshopAndCompanyCardsKeepTheStepsInTheirSlotsAndAddNone)
+{
+    expectTheStepsAndNothingMore<SCardGeneric>();
+    expectTheStepsAndNothingMore<SCardWorkshopG1>();
+    expectTheStepsAndNothingMore<SCardWorkshopG2>();
+    expectTheStepsAndNothingMore<SCardCompanyG1>();
+    expectTheStepsAndNothingMore<SCardCompanyG2>();
+}
+
+TEST(VirtualSlots, TheDriverCardAddsElevenOperations)
+{
+    EXPECT_EQ(Behind<SCardDriverG1>::slot(), slotOf(&SCardGeneric::extraTask) + 12);
+    EXPECT_EQ(Behind<SCardDriverG2>::slot(), slotOf(&SCardGeneric::extraTask) + 12);
+}
+
+template <typename Class, typename Implementer>
+constexpr bool isImplementedBy(aux::Error (Implementer::*)())
+{
+    return std::is_same_v<Class, Implementer>;
+}
+
+TEST(VirtualSlots, EachWorkshopAndCompanyClassHasItsOwnSteps)
+{
+    EXPECT_TRUE(isImplementedBy<SCardWorkshopG1>(&SCardWorkshopG1::calcDataToRead));
+    EXPECT_TRUE(isImplementedBy<SCardWorkshopG1>(&SCardWorkshopG1::read));
+    EXPECT_TRUE(isImplementedBy<SCardWorkshopG1>(&SCardWorkshopG1::postDownloadTasks));
+    EXPECT_TRUE(isImplementedBy<SCardGeneric>(&SCardWorkshopG1::extraTask));
+    EXPECT_TRUE(isImplementedBy<SCardWorkshopG2>(&SCardWorkshopG2::calcDataToRead));
+    EXPECT_TRUE(isImplementedBy<SCardWorkshopG2>(&SCardWorkshopG2::read));
+    EXPECT_TRUE(isImplementedBy<SCardWorkshopG2>(&SCardWorkshopG2::postDownloadTasks));
+    EXPECT_TRUE(isImplementedBy<SCardCompanyG1>(&SCardCompanyG1::calcDataToRead));
+    EXPECT_TRUE(isImplementedBy<SCardCompanyG1>(&SCardCompanyG1::read));
+    EXPECT_TRUE(isImplementedBy<SCardGeneric>(&SCardCompanyG1::postDownloadTasks));
+    EXPECT_TRUE(isImplementedBy<SCardCompanyG2>(&SCardCompanyG2::calcDataToRead));
+    EXPECT_TRUE(isImplementedBy<SCardCompanyG2>(&SCardCompanyG2::read));
+    EXPECT_TRUE(isImplementedBy<SCardGeneric>(&SCardCompanyG2::postDownloadTasks));
+}
+
+TEST(VirtualSlots, WhatWorkshopAndCompanyCardsAddHasNoSlot)
+{
+    EXPECT_EQ(slotOf(&SCardWorkshopG1::constructFilename), notVirtual);
+    EXPECT_EQ(slotOf(&SCardWorkshopG1::resetCalibrationsSinceDownload), notVirtual);
+    EXPECT_EQ(slotOf(&SCardWorkshopG1::getCardIdentification), notVirtual);
+    EXPECT_EQ(slotOf(&SCardWorkshopG1::getCardHolderName), notVirtual);
+    EXPECT_EQ(slotOf(&SCardWorkshopG1::getCalibrationCounters), notVirtual);
+    EXPECT_EQ(slotOf(&SCardWorkshopG1::getCalibrations), notVirtual);
+    EXPECT_EQ(slotOf(&SCardWorkshopG2::getCardIdentificationG2), notVirtual);
+    EXPECT_EQ(slotOf(&SCardWorkshopG2::getCalibrationCountersG2), notVirtual);
+    EXPECT_EQ(slotOf(&SCardWorkshopG2::getCalibrationsG2), notVirtual);
+    EXPECT_EQ(slotOf(&SCardWorkshopG2::getCalibrationAddData), notVirtual);
+    EXPECT_EQ(slotOf(&SCardCompanyG1::constructFilename), notVirtual);
+    EXPECT_EQ(slotOf(&SCardCompanyG1::getCompanyActivities), notVirtual);
+    EXPECT_EQ(slotOf(&SCardCompanyG2::getCardIdentification), notVirtual);
+    EXPECT_EQ(slotOf(&SCardCompanyG2::getCardHolderName), notVirtual);
+    EXPECT_EQ(slotOf(&SCardCompanyG2::getCompanyActivitiesG2), notVirtual);
 }
 
 } // namespace
