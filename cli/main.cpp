@@ -29,7 +29,7 @@ int main(int argc, char* argv[])
     parser.setApplicationDescription(
         QStringLiteral("Downloads a digital tachograph card, and shows what a download holds.\n\n"
                        "  scard download    the card in the first reader, into a file under /tmp/\n"
-                       "  scard show FILE   whose card it is, and the driver's last days"));
+                       "  scard show FILE   whose card it is, and the last of what is on it"));
     const QCommandLineOption helpOption = parser.addHelpOption();
     const QCommandLineOption versionOption = parser.addVersionOption();
     parser.addPositionalArgument(QStringLiteral("command"), QStringLiteral("download or show FILE"));
@@ -40,8 +40,8 @@ int main(int argc, char* argv[])
         QStringLiteral("wait"), QStringLiteral("Wait so many seconds for a card to be put in."),
         QStringLiteral("seconds"), QStringLiteral("0"));
     const QCommandLineOption daysOption(
-        QStringLiteral("days"), QStringLiteral("Show so many days."), QStringLiteral("number"),
-        QStringLiteral("7"));
+        QStringLiteral("days"), QStringLiteral("Show so many days, calibrations or activities."),
+        QStringLiteral("number"), QStringLiteral("7"));
     const QCommandLineOption verboseOption(
         QStringLiteral("verbose"), QStringLiteral("Show what the library does, on standard error."));
     parser.addOption(regionOption);

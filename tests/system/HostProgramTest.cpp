@@ -1,7 +1,9 @@
 // The program `scard` as a person uses it.
 #include "CardBehindPcscd.h"
 
+#include <pcsc/ExpectedCompany.h>
 #include <pcsc/ExpectedDriver.h>
+#include <pcsc/ExpectedWorkshop.h>
 #include <scard/SCardDriverG1.h>
 #include <simulator/ControlCard.h>
 #include <support/PcscPresence.h>
@@ -256,6 +258,61 @@ TEST_F(HostProgramTest, ShowsTheLastDaysOfADownload)
     QFile::remove(result.path);
 }
 
+TEST_F(HostProgramTest, ShowsTheLastCalibrationsOfAWorkshopCard)
+{
+    const struct
+    {
+        sim::CardDescription card;
+        const char* generation;
+        const char* before;
+    } rows[] = {
+        {workshopCard(), "first generation",
+         "  2024-03-05 10:33  0SMBSTJKGD2F48622  D HH-LD 057         335890 km  periodic inspection, next "
+         "2026-03-05\n"},
+        {workshopCardG2({}), "second generation",
+         "  2024-03-05 10:33  0SMBSTJKGD2F48622  D HH-LD 057         335890 km  periodic inspection, next "
+         "2026-03-05\n"},
+    };
+    for (const auto& row : rows) {
+        insert(row.card);
+        const Download result = download();
+        takeOut();
+        const Outcome outcome = scardProgram({"show", "--days", "2", result.path});
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+        EXPECT_EQ(
+            outcome.out,
+            "Card: WorkshopCard, " + std::string(row.generation) +
+                "\n"
+                "Holder: Dirk, Wei\xC3\x9F\n"
+                "Workshop: Wei\xC3\x9F Tachograph Service, Mill Lane 164\n"
+                "Calibrations with this card: 40, since the download before: 7\n"
+                "Calibrations (UTC): 40, the last 2:\n" +
+                row.before +
+                "  2024-03-05 12:00  0SM0DLDH2SSZ57024  D HH-GA 850         866717 km  periodic inspection, "
+                "next 2026-03-05\n");
+        QFile::remove(result.path);
+    }
+}
+
+TEST_F(HostProgramTest, ShowsTheLastActivitiesOfACompanyCard)
+{
+    for (const sim::CardDescription& company : {companyCard(), companyCardG2({})}) {
+        insert(company);
+        const Download result = download();
+        takeOut();
+        const Outcome outcome = scardProgram({"show", "--days", "3", result.path});
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+        // The file of a second-generation company card is read as one of the first.
+        EXPECT_EQ(
+            outcome.out, "Card: CompanyCard, first generation\n"
+                         "Activities (UTC): 40, the last 3:\n"
+                         "  2024-02-23 08:38  card downloaded, card D D179700573583300\n"
+                         "  2024-02-29 15:24  card downloaded, card D D716263024756500\n"
+                         "  2024-03-05 12:00  locked in, vehicle D HH-CE 280\n");
+        QFile::remove(result.path);
+    }
+}
+
 TEST_F(HostProgramTest, ShowsOfADamagedDownloadWhatThereIs)
 {
     insert(driverCardG2());
@@ -273,6 +330,63 @@ TEST_F(HostProgramTest, ShowsOfADamagedDownloadWhatThereIs)
                          "  libscard: memSelectFile(): Dataset not found\n"
                          "  libscard: readFromMem() memSelectFile() Failed: ID 502\n");
     QFile::remove(result.path);
+}
+
+TEST_F(HostProgramTest, ShowsOfADamagedWorkshopDownloadWhatTheFirstApplicationSays)
+{
+    insert(workshopCardG2({}));
+    const Download result = download();
+    QFile file(result.path);
+    ASSERT_TRUE(file.resize(31700)); // inside the second application's certificates
+    const Outcome outcome = scardProgram({"show", "--days", "1", result.path});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.out, HasSubstr("Holder: Dirk, Wei\xC3\x9F\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("Calibrations with this card: 34, since the download before: 7\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("  2024-03-05 12:00  0SM0DLDH2SSZ57024  D HH-GA 850 "));
+    EXPECT_THAT(
+        outcome.err, HasSubstr("could not be read to its end, EF_Identification is missing or short:\n"));
+    ASSERT_TRUE(file.resize(20000)); // inside the first application's calibrations
+    EXPECT_THAT(
+        scardProgram({"show", result.path}).err,
+        HasSubstr("could not be read to its end, EF_Calibration is missing or short:\n"));
+    QFile::remove(result.path);
+}
+
+TEST_F(HostProgramTest, ShowsACompanysSecondApplicationInAFileOfAnotherProgram)
+{
+    insert(companyCardG2({}));
+    const Download result = download();
+    // The records behind the first application, with the type that the regulation asks for.
+    QByteArray second = result.image.mid(11304);
+    for (int position = 0; position < second.size();) {
+        second[position + 2] = '\x02';
+        position += 5 + (static_cast<unsigned char>(second.at(position + 3)) << 8 |
+                         static_cast<unsigned char>(second.at(position + 4)));
+    }
+    QFile file("/tmp/other.DDD");
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(second);
+    file.close();
+    const Outcome outcome = scardProgram({"show", "--days", "1", file.fileName()});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+    EXPECT_THAT(outcome.out, testing::StartsWith("Card: CompanyCard, second generation\nHolder: "));
+    EXPECT_THAT(outcome.out, HasSubstr("\n  2024-03-05 12:00  locked in, vehicle D HH-CE 280\n"));
+    file.remove();
+    QFile::remove(result.path);
+}
+
+TEST_F(HostProgramTest, SaysThatAControlCardIsNotShown)
+{
+    QFile file("/tmp/control.DDD");
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray::fromHex("0501000005"
+                                   "03000000e6"));
+    file.close();
+    const Outcome outcome = scardProgram({"show", file.fileName()});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.out, "Card: ControlCard, first generation\n");
+    EXPECT_EQ(outcome.err, "scard: /tmp/control.DDD: cards of this kind are not shown.\n");
+    file.remove();
 }
 
 TEST_F(HostProgramTest, SaysWhyAFileCannotBeShown)
