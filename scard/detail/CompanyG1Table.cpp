@@ -17,9 +17,6 @@ EfTable makeTable()
     const Piece certificate = records<unsigned char>(fixedCount(certificateBytesG1));
     const Piece pointer = one<UInt16>();
 
-    constexpr auto yes = Signing::Signed;
-    constexpr auto no = Signing::Unsigned;
-
     EfTable table;
     table.applicationName = firstGenerationApplication();
     table.secondGeneration = false;
@@ -33,18 +30,13 @@ EfTable makeTable()
     // Without EF_Identification: reading it needs an authentication.
     // clang-format off
     appendRows(table, {
-        {efApplicationIdentification, {one<Application>()}, yes},
-        {efCardCertificate, {certificate}, no},
-        {efCaCertificate, {certificate}, no},
-        {efCompanyActivityData, {pointer, records<CompanyActivityRecord>(activities)}, yes},
+        {efApplicationIdentification, {one<Application>()}, isSigned},
+        {efCardCertificate, {certificate}, notSigned},
+        {efCaCertificate, {certificate}, notSigned},
+        {efCompanyActivityData, {pointer, records<CompanyActivityRecord>(activities)}, isSigned},
     });
     // clang-format on
-    table.saveOrder = {fidIcc,
-                       fidIc,
-                       fidApplicationIdentification,
-                       fidCardCertificate,
-                       fidCaCertificate,
-                       fidCompanyActivityData};
+    table.saveOrder = savingOrder(table.rows);
     return table;
 }
 

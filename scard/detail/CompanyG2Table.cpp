@@ -18,12 +18,6 @@ EfTable makeTable()
     const Piece certificate = records<unsigned char>(certificateLength());
     const Piece pointer = one<UInt16>();
 
-    // The card has no key to sign with in this application.
-    constexpr auto no = Signing::Unsigned;
-    constexpr auto required = InImage::Required;
-    constexpr auto download = ReadAt::Download;
-    constexpr auto v2 = OnCards::Version2_2;
-
     EfTable table;
     table.applicationName = secondGenerationApplication();
     // The records of this application carry the first generation's type.
@@ -37,27 +31,19 @@ EfTable makeTable()
     table.stepEntry = OwnEntry::Last;
     table.efFailure = EfFailure::RowsText;
     table.rows = chipRows();
+    // The card has no key to sign with in this application.
     // clang-format off
     appendRows(table, {
-        {efIdentification, {one<CompanyCard_EF_Identification>()}, no},
-        {efApplicationIdentification, {one<Application>()}, no},
-        {efMaCertificate, {certificate}, no},
-        {efCaCertificate, {certificate}, no},
-        {efLinkCertificate, {certificate}, no},
-        {efCompanyActivityData, {pointer, records<CompanyActivityRecord>(activities)}, no},
-        {efApplicationIdentificationV2, {one<ApplicationV2>()}, no, required, download, v2},
+        {efIdentification, {one<CompanyCard_EF_Identification>()}, notSigned},
+        {efApplicationIdentification, {one<Application>()}, notSigned},
+        {efMaCertificate, {certificate}, notSigned},
+        {efCaCertificate, {certificate}, notSigned},
+        {efLinkCertificate, {certificate}, notSigned},
+        {efCompanyActivityData, {pointer, records<CompanyActivityRecord>(activities)}, notSigned},
+        {efApplicationIdentificationV2, {one<ApplicationV2>()}, notSigned, required, download, version2_2},
     });
     // clang-format on
-    table.saveOrder = {
-        fidIcc,
-        fidIc,
-        fidApplicationIdentification,
-        fidCardCertificate,
-        fidCaCertificate,
-        fidLinkCertificate,
-        fidIdentification,
-        fidCompanyActivityData,
-        fidApplicationIdentificationV2};
+    table.saveOrder = savingOrder(table.rows);
     return table;
 }
 

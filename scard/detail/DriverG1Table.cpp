@@ -21,11 +21,6 @@ EfTable makeTable()
     const Piece activities = records<unsigned char>(counts.activityLength);
     const Piece conditions = records<SpecificConditionRecord>(fixedCount(specificConditions));
 
-    constexpr auto yes = Signing::Signed;
-    constexpr auto no = Signing::Unsigned;
-    constexpr auto required = InImage::Required;
-    constexpr auto optional = InImage::Optional;
-
     EfTable table;
     table.applicationName = firstGenerationApplication();
     table.secondGeneration = false;
@@ -37,39 +32,23 @@ EfTable makeTable()
     // Identification first, so that holder, language and file name are known early.
     // clang-format off
     appendRows(table, {
-        {efIdentification, {one<DriverCard_EF_Identification>()}, yes, required},
-        {efApplicationIdentification, {one<Application>()}, yes, required},
-        {efCardCertificate, {certificate}, no, optional},
-        {efCaCertificate, {certificate}, no, optional},
-        {efCardDownload, {one<TimeReal>()}, yes, optional},
-        {efDrivingLicenceInfo, {one<CardDrivingLicenceInformation>()}, yes, optional},
-        {efEventsData, {records<CardEventRecord>(counts.eventsPerType, eventGroupsG1)}, yes, required},
-        {efFaultsData, {records<CardFaultRecord>(counts.faultsPerType, faultGroups)}, yes, required},
-        {efDriverActivityData, {pointer, pointer, activities}, yes, required},
-        {efVehiclesUsed, {pointer, records<CardVehicleRecord_g1>(counts.vehicles)}, yes, required},
-        {efPlaces, {bytePointer, records<PlaceRecord_g1>(counts.places)}, yes, optional},
-        {efCurrentUsage, {one<CardCurrentUse>()}, yes, optional},
-        {efControlActivityData, {one<CardControlActivityDataRecord>()}, yes, optional},
-        {efSpecificConditions, {conditions}, yes, optional},
+        {efIdentification, {one<DriverCard_EF_Identification>()}, isSigned, required},
+        {efApplicationIdentification, {one<Application>()}, isSigned, required},
+        {efCardCertificate, {certificate}, notSigned, optional},
+        {efCaCertificate, {certificate}, notSigned, optional},
+        {efCardDownload, {one<TimeReal>()}, isSigned, optional},
+        {efDrivingLicenceInfo, {one<CardDrivingLicenceInformation>()}, isSigned, optional},
+        {efEventsData, {records<CardEventRecord>(counts.eventsPerType, eventGroupsG1)}, isSigned, required},
+        {efFaultsData, {records<CardFaultRecord>(counts.faultsPerType, faultGroups)}, isSigned, required},
+        {efDriverActivityData, {pointer, pointer, activities}, isSigned, required},
+        {efVehiclesUsed, {pointer, records<CardVehicleRecord_g1>(counts.vehicles)}, isSigned, required},
+        {efPlaces, {bytePointer, records<PlaceRecord_g1>(counts.places)}, isSigned, optional},
+        {efCurrentUsage, {one<CardCurrentUse>()}, isSigned, optional},
+        {efControlActivityData, {one<CardControlActivityDataRecord>()}, isSigned, optional},
+        {efSpecificConditions, {conditions}, isSigned, optional},
     });
     // clang-format on
-    table.saveOrder = {
-        fidIcc,
-        fidIc,
-        fidApplicationIdentification,
-        fidCardCertificate,
-        fidCaCertificate,
-        fidIdentification,
-        fidCardDownload,
-        fidDrivingLicenceInfo,
-        fidEventsData,
-        fidFaultsData,
-        fidDriverActivityData,
-        fidVehiclesUsed,
-        fidPlaces,
-        fidCurrentUsage,
-        fidControlActivityData,
-        fidSpecificConditions};
+    table.saveOrder = savingOrder(table.rows);
     return table;
 }
 

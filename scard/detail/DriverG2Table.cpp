@@ -16,11 +16,6 @@ EfTable makeTable()
     const Piece pointer = one<UInt16>();
     const Piece activities = records<unsigned char>(counts.activityLength);
 
-    constexpr auto yes = Signing::Signed;
-    constexpr auto no = Signing::Unsigned;
-    constexpr auto required = InImage::Required;
-    constexpr auto optional = InImage::Optional;
-
     EfTable table;
     table.applicationName = secondGenerationApplication();
     table.secondGeneration = true;
@@ -32,54 +27,28 @@ EfTable makeTable()
     table.rows = chipRows();
     // clang-format off
     appendRows(table, {
-        {efIdentification, {one<DriverCard_EF_Identification>()}, yes, required},
-        {efApplicationIdentification, {one<Application>()}, yes, required},
-        {efMaCertificate, {certificate}, no, optional},
-        {efCardSignCertificate, {certificate}, no, optional},
-        {efCaCertificate, {certificate}, no, optional},
-        {efLinkCertificate, {certificate}, no, optional},
-        {efCardDownload, {one<TimeReal>()}, yes, optional},
-        {efDrivingLicenceInfo, {one<CardDrivingLicenceInformation>()}, yes, optional},
-        {efEventsData, {records<CardEventRecord>(counts.eventsPerType, eventGroupsG2)}, yes, required},
-        {efFaultsData, {records<CardFaultRecord>(counts.faultsPerType, faultGroups)}, yes, required},
-        {efDriverActivityData, {pointer, pointer, activities}, yes, required},
-        {efVehiclesUsed, {pointer, records<CardVehicleRecord_g2>(counts.vehicles)}, yes, required},
-        {efPlaces, {pointer, records<PlaceRecord_g2>(counts.places)}, yes, optional},
-        {efCurrentUsage, {one<CardCurrentUse>()}, yes, optional},
-        {efControlActivityData, {one<CardControlActivityDataRecord>()}, yes, optional},
-        {efSpecificConditions, {pointer, records<SpecificConditionRecord>(counts.conditions)}, yes, optional},
-        {efVehicleUnitsUsed, {pointer, records<CardVehicleUnitsRecord_g2>(counts.vehicleUnits)}, yes, optional},
-        {efGnssPlaces, {pointer, records<GNSSContinousDrivingRecord_g2>(counts.gnssPlaces)}, yes, optional},
+        {efIdentification, {one<DriverCard_EF_Identification>()}, isSigned, required},
+        {efApplicationIdentification, {one<Application>()}, isSigned, required},
+        {efMaCertificate, {certificate}, notSigned, optional},
+        {efCardSignCertificate, {certificate}, notSigned, optional},
+        {efCaCertificate, {certificate}, notSigned, optional},
+        {efLinkCertificate, {certificate}, notSigned, optional},
+        {efCardDownload, {one<TimeReal>()}, isSigned, optional},
+        {efDrivingLicenceInfo, {one<CardDrivingLicenceInformation>()}, isSigned, optional},
+        {efEventsData, {records<CardEventRecord>(counts.eventsPerType, eventGroupsG2)}, isSigned, required},
+        {efFaultsData, {records<CardFaultRecord>(counts.faultsPerType, faultGroups)}, isSigned, required},
+        {efDriverActivityData, {pointer, pointer, activities}, isSigned, required},
+        {efVehiclesUsed, {pointer, records<CardVehicleRecord_g2>(counts.vehicles)}, isSigned, required},
+        {efPlaces, {pointer, records<PlaceRecord_g2>(counts.places)}, isSigned, optional},
+        {efCurrentUsage, {one<CardCurrentUse>()}, isSigned, optional},
+        {efControlActivityData, {one<CardControlActivityDataRecord>()}, isSigned, optional},
+        {efSpecificConditions, {pointer, records<SpecificConditionRecord>(counts.conditions)}, isSigned, optional},
+        {efVehicleUnitsUsed, {pointer, records<CardVehicleUnitsRecord_g2>(counts.vehicleUnits)}, isSigned, optional},
+        {efGnssPlaces, {pointer, records<GNSSContinousDrivingRecord_g2>(counts.gnssPlaces)}, isSigned, optional},
     });
     // clang-format on
     appendRows(table, version2Rows<Application, DriverCardApplicationIdentification_g2_2>());
-    table.saveOrder = {
-        fidIcc,
-        fidIc,
-        fidApplicationIdentification,
-        fidCardCertificate,
-        fidCardSignCertificate,
-        fidCaCertificate,
-        fidLinkCertificate,
-        fidIdentification,
-        fidCardDownload,
-        fidDrivingLicenceInfo,
-        fidEventsData,
-        fidFaultsData,
-        fidDriverActivityData,
-        fidVehiclesUsed,
-        fidPlaces,
-        fidCurrentUsage,
-        fidControlActivityData,
-        fidSpecificConditions,
-        fidVehicleUnitsUsed,
-        fidGnssPlaces,
-        fidApplicationIdentificationV2,
-        fidPlacesAuthentication,
-        fidGnssPlacesAuthentication,
-        fidBorderCrossings,
-        fidLoadUnloadOperations,
-        fidLoadTypeEntries};
+    table.saveOrder = savingOrder(table.rows);
     return table;
 }
 

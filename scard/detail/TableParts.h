@@ -19,6 +19,14 @@ constexpr unsigned short eventGroupsG1 = 6;
 constexpr unsigned short eventGroupsG2 = 11;
 constexpr unsigned short faultGroups = 2;
 
+// Columns of a row.
+constexpr auto isSigned = Signing::Signed;
+constexpr auto notSigned = Signing::Unsigned;
+constexpr auto required = InImage::Required;
+constexpr auto optional = InImage::Optional;
+constexpr auto download = ReadAt::Download;
+constexpr auto version2_2 = OnCards::Version2_2;
+
 /// The counts that EF_Application_Identification gives on driver and workshop cards of either generation.
 template <typename Application>
 struct UsageCounts
@@ -46,8 +54,8 @@ inline std::vector<EfRow> chipRows()
 {
     constexpr auto identification = ReadAt::Identification;
     return {
-        {efIcc, {one<CardIccIdentification>()}, Signing::Unsigned, InImage::Optional, identification},
-        {efIc, {one<CardIcIdentification>()}, Signing::Unsigned, InImage::Optional, identification},
+        {efIcc, {one<CardIccIdentification>()}, notSigned, optional, identification},
+        {efIc, {one<CardIcIdentification>()}, notSigned, optional, identification},
     };
 }
 
@@ -62,21 +70,31 @@ std::vector<EfRow> version2Rows()
     const UsageCountsG2<Application> counts;
 
     const Piece pointer = one<UInt16>();
-    constexpr auto yes = Signing::Signed;
-    constexpr auto required = InImage::Required;
-    constexpr auto optional = InImage::Optional;
-    constexpr auto download = ReadAt::Download;
-    constexpr auto v2 = OnCards::Version2_2;
     // clang-format off
     return {
-        {efApplicationIdentificationV2, {one<ApplicationV2>()}, yes, required, download, v2},
-        {efPlacesAuthentication, {pointer, records<PlaceAuthStatusRecord_g2_2>(counts.places)}, yes, optional, download, v2},
-        {efGnssPlacesAuthentication, {pointer, records<GNSSAuthStatusADRecord_g2_2>(counts.gnssPlaces)}, yes, optional, download, v2},
-        {efBorderCrossings, {pointer, records<CardBorderCrossingRecord_g2_2>(crossings)}, yes, optional, download, v2},
-        {efLoadUnloadOperations, {pointer, records<CardLoadUnloadRecord_g2_2>(operations)}, yes, optional, download, v2},
-        {efLoadTypeEntries, {pointer, records<CardLoadTypeEntryRecord_g2_2>(loadTypes)}, yes, optional, download, v2},
+        {efApplicationIdentificationV2, {one<ApplicationV2>()}, isSigned, required, download, version2_2},
+        {efPlacesAuthentication, {pointer, records<PlaceAuthStatusRecord_g2_2>(counts.places)}, isSigned, optional, download, version2_2},
+        {efGnssPlacesAuthentication, {pointer, records<GNSSAuthStatusADRecord_g2_2>(counts.gnssPlaces)}, isSigned, optional, download, version2_2},
+        {efBorderCrossings, {pointer, records<CardBorderCrossingRecord_g2_2>(crossings)}, isSigned, optional, download, version2_2},
+        {efLoadUnloadOperations, {pointer, records<CardLoadUnloadRecord_g2_2>(operations)}, isSigned, optional, download, version2_2},
+        {efLoadTypeEntries, {pointer, records<CardLoadTypeEntryRecord_g2_2>(loadTypes)}, isSigned, optional, download, version2_2},
     };
     // clang-format on
+}
+
+/// The order of the download image: as the EFs are read, but the chip's files, EF_Application_Identification
+/// and the certificates first.
+inline std::vector<unsigned short> savingOrder(const std::vector<EfRow>& rows)
+{
+    std::vector<unsigned short> first;
+    std::vector<unsigned short> others;
+    for (const EfRow& row : rows) {
+        const bool leads = row.readAt == ReadAt::Identification || row.fid == fidApplicationIdentification ||
+                           row.fid >= fidCardCertificate;
+        (leads ? first : others).push_back(row.fid);
+    }
+    first.insert(first.end(), others.begin(), others.end());
+    return first;
 }
 
 /// @p table with @p rows behind its own.

@@ -25,11 +25,6 @@ EfTable makeTable()
     const Piece activities = records<unsigned char>(counts.activityLength);
     const Piece conditions = records<SpecificConditionRecord>(fixedCount(specificConditions));
 
-    constexpr auto yes = Signing::Signed;
-    constexpr auto no = Signing::Unsigned;
-    constexpr auto required = InImage::Required;
-    constexpr auto optional = InImage::Optional;
-
     EfTable table;
     table.applicationName = firstGenerationApplication();
     table.secondGeneration = false;
@@ -40,39 +35,23 @@ EfTable makeTable()
     table.rows = chipRows();
     // clang-format off
     appendRows(table, {
-        {efIdentification, {one<WorkshopCard_EF_Identification>()}, yes, required},
-        {efApplicationIdentification, {one<Application>()}, yes, required},
-        {efCardCertificate, {certificate}, no, optional},
-        {efCaCertificate, {certificate}, no, optional},
-        {efCardDownloadWorkshop, {number}, yes, optional},
-        {efCalibrationG1, {number, bytePointer, records<CalibrationRecord_g1>(calibrations)}, yes, required},
-        {efEventsData, {records<CardEventRecord>(counts.eventsPerType, eventGroupsG1)}, yes, required},
-        {efFaultsData, {records<CardFaultRecord>(counts.faultsPerType, faultGroups)}, yes, required},
-        {efDriverActivityData, {pointer, pointer, activities}, yes, required},
-        {efVehiclesUsed, {pointer, records<CardVehicleRecord_g1>(counts.vehicles)}, yes, required},
-        {efPlaces, {bytePointer, records<PlaceRecord_g1>(counts.places)}, yes, required},
-        {efCurrentUsage, {one<CardCurrentUse>()}, yes, required},
-        {efControlActivityData, {one<CardControlActivityDataRecord>()}, yes, required},
-        {efSpecificConditions, {conditions}, yes, required},
+        {efIdentification, {one<WorkshopCard_EF_Identification>()}, isSigned, required},
+        {efApplicationIdentification, {one<Application>()}, isSigned, required},
+        {efCardCertificate, {certificate}, notSigned, optional},
+        {efCaCertificate, {certificate}, notSigned, optional},
+        {efCardDownloadWorkshop, {number}, isSigned, optional},
+        {efCalibrationG1, {number, bytePointer, records<CalibrationRecord_g1>(calibrations)}, isSigned, required},
+        {efEventsData, {records<CardEventRecord>(counts.eventsPerType, eventGroupsG1)}, isSigned, required},
+        {efFaultsData, {records<CardFaultRecord>(counts.faultsPerType, faultGroups)}, isSigned, required},
+        {efDriverActivityData, {pointer, pointer, activities}, isSigned, required},
+        {efVehiclesUsed, {pointer, records<CardVehicleRecord_g1>(counts.vehicles)}, isSigned, required},
+        {efPlaces, {bytePointer, records<PlaceRecord_g1>(counts.places)}, isSigned, required},
+        {efCurrentUsage, {one<CardCurrentUse>()}, isSigned, required},
+        {efControlActivityData, {one<CardControlActivityDataRecord>()}, isSigned, required},
+        {efSpecificConditions, {conditions}, isSigned, required},
     });
     // clang-format on
-    table.saveOrder = {
-        fidIcc,
-        fidIc,
-        fidApplicationIdentification,
-        fidCardCertificate,
-        fidCaCertificate,
-        fidIdentification,
-        fidCardDownloadWorkshop,
-        fidCalibration,
-        fidEventsData,
-        fidFaultsData,
-        fidDriverActivityData,
-        fidVehiclesUsed,
-        fidPlaces,
-        fidCurrentUsage,
-        fidControlActivityData,
-        fidSpecificConditions};
+    table.saveOrder = savingOrder(table.rows);
     return table;
 }
 

@@ -21,13 +21,6 @@ EfTable makeTable()
     const Piece activities = records<unsigned char>(counts.activityLength);
     const Piece addData = records<WorkshopCardCalibrationAddDataRecord_g2_2>(calibrations);
 
-    constexpr auto yes = Signing::Signed;
-    constexpr auto no = Signing::Unsigned;
-    constexpr auto required = InImage::Required;
-    constexpr auto optional = InImage::Optional;
-    constexpr auto download = ReadAt::Download;
-    constexpr auto v2 = OnCards::Version2_2;
-
     EfTable table;
     table.applicationName = secondGenerationApplication();
     table.secondGeneration = true;
@@ -41,56 +34,29 @@ EfTable makeTable()
     // Specific conditions come last before version 2.2: another order than on driver cards.
     // clang-format off
     appendRows(table, {
-        {efIdentification, {one<WorkshopCard_EF_Identification>()}, yes, required},
-        {efApplicationIdentification, {one<Application>()}, yes, required},
-        {efMaCertificate, {certificate}, no, optional},
-        {efCardSignCertificate, {certificate}, no, optional},
-        {efCaCertificate, {certificate}, no, optional},
-        {efLinkCertificate, {certificate}, no, optional},
-        {efCardDownloadWorkshop, {number}, yes, optional},
-        {efCalibrationG2, {number, pointer, records<CalibrationRecord_g2>(calibrations)}, yes, required},
-        {efEventsData, {records<CardEventRecord>(counts.eventsPerType, eventGroupsG2)}, yes, required},
-        {efFaultsData, {records<CardFaultRecord>(counts.faultsPerType, faultGroups)}, yes, required},
-        {efDriverActivityData, {pointer, pointer, activities}, yes, required},
-        {efVehiclesUsed, {pointer, records<CardVehicleRecord_g2>(counts.vehicles)}, yes, required},
-        {efPlaces, {pointer, records<PlaceRecord_g2>(counts.places)}, yes, required},
-        {efCurrentUsage, {one<CardCurrentUse>()}, yes, required},
-        {efControlActivityData, {one<CardControlActivityDataRecord>()}, yes, required},
-        {efVehicleUnitsUsed, {pointer, records<CardVehicleUnitsRecord_g2>(counts.vehicleUnits)}, yes, required},
-        {efGnssPlaces, {pointer, records<GNSSContinousDrivingRecord_g2>(counts.gnssPlaces)}, yes, required},
-        {efSpecificConditions, {pointer, records<SpecificConditionRecord>(counts.conditions)}, yes, required},
+        {efIdentification, {one<WorkshopCard_EF_Identification>()}, isSigned, required},
+        {efApplicationIdentification, {one<Application>()}, isSigned, required},
+        {efMaCertificate, {certificate}, notSigned, optional},
+        {efCardSignCertificate, {certificate}, notSigned, optional},
+        {efCaCertificate, {certificate}, notSigned, optional},
+        {efLinkCertificate, {certificate}, notSigned, optional},
+        {efCardDownloadWorkshop, {number}, isSigned, optional},
+        {efCalibrationG2, {number, pointer, records<CalibrationRecord_g2>(calibrations)}, isSigned, required},
+        {efEventsData, {records<CardEventRecord>(counts.eventsPerType, eventGroupsG2)}, isSigned, required},
+        {efFaultsData, {records<CardFaultRecord>(counts.faultsPerType, faultGroups)}, isSigned, required},
+        {efDriverActivityData, {pointer, pointer, activities}, isSigned, required},
+        {efVehiclesUsed, {pointer, records<CardVehicleRecord_g2>(counts.vehicles)}, isSigned, required},
+        {efPlaces, {pointer, records<PlaceRecord_g2>(counts.places)}, isSigned, required},
+        {efCurrentUsage, {one<CardCurrentUse>()}, isSigned, required},
+        {efControlActivityData, {one<CardControlActivityDataRecord>()}, isSigned, required},
+        {efVehicleUnitsUsed, {pointer, records<CardVehicleUnitsRecord_g2>(counts.vehicleUnits)}, isSigned, required},
+        {efGnssPlaces, {pointer, records<GNSSContinousDrivingRecord_g2>(counts.gnssPlaces)}, isSigned, required},
+        {efSpecificConditions, {pointer, records<SpecificConditionRecord>(counts.conditions)}, isSigned, required},
     });
     appendRows(table, version2Rows<Application, WorkshopCardApplicationIdentification_g2_2>());
-    appendRows(table, {{efCalibrationAddData, {pointer, addData}, yes, optional, download, v2}});
+    appendRows(table, {{efCalibrationAddData, {pointer, addData}, isSigned, optional, download, version2_2}});
     // clang-format on
-    table.saveOrder = {
-        fidIcc,
-        fidIc,
-        fidApplicationIdentification,
-        fidCardCertificate,
-        fidCardSignCertificate,
-        fidCaCertificate,
-        fidLinkCertificate,
-        fidIdentification,
-        fidCardDownloadWorkshop,
-        fidCalibration,
-        fidEventsData,
-        fidFaultsData,
-        fidDriverActivityData,
-        fidVehiclesUsed,
-        fidPlaces,
-        fidCurrentUsage,
-        fidControlActivityData,
-        fidVehicleUnitsUsed,
-        fidGnssPlaces,
-        fidSpecificConditions,
-        fidApplicationIdentificationV2,
-        fidPlacesAuthentication,
-        fidGnssPlacesAuthentication,
-        fidBorderCrossings,
-        fidLoadUnloadOperations,
-        fidLoadTypeEntries,
-        fidCalibrationAddData};
+    table.saveOrder = savingOrder(table.rows);
     return table;
 }
 

@@ -1,11 +1,11 @@
 #include "scard/DriverImage.h"
+#include "scard/EfTableRows.h"
 
 #include <scard/detail/CardApplication.h>
 #include <scard/detail/DriverG1Table.h>
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -14,41 +14,25 @@ namespace {
 using namespace scard::detail;
 using testing::ElementsAre;
 
-struct ExpectedRow
-{
-    unsigned short fid;
-    const char* name;
-    const char* failureText;
-    bool isSigned;
-    bool optionalInImage;
-};
-
 // In reading order.
-const ExpectedRow expectedRows[] = {
-    {0x0520, "EF_Identification", "Error reading EF_Identification:", true, false},
-    {0x0501, "EF_Application_Identification", "Error reading EF_Application_Identification:", true, false},
-    {0xC100, "EF_Card_Certificate", "Error reading EF_Card_Certificate:", false, true},
-    {0xC108, "EF_CA_Certificate", "Error reading EF_CA_Certificate:", false, true},
-    {0x050E, "EF_Card_Download", "Error reading EF_Card_Download:", true, true},
-    {0x0521, "EF_Driving_License_Info", "Error reading EF_Driving_License_Info:", true, true},
-    {0x0502, "EF_EventsData", "Error reading EF_EventsData:", true, false},
-    {0x0503, "EF_FaultsData", "Error reading EF_FaultsData:", true, false},
-    {0x0504, "EF_Driver_Activity_Data", "Error reading EF_Driver_Activity_Data:", true, false},
-    {0x0505, "EF_Vehicles_Used", "Error reading EF_Vehicles_Used:", true, false},
-    {0x0506, "EF_Places", "Error reading EF_Places:", true, true},
-    {0x0507, "EF_Current_Usage", "Error reading EF_Current_Usage:", true, true},
-    {0x0508, "EF_Control_Activity_Data", "Error reading EF_Control_Activity_Data:", true, true},
-    {0x0522, "EF_Specific_Conditions", "Error reading m_EF_Specitifc_Conditions:", true, true},
+// clang-format off
+const std::vector<test::ExpectedRow> expectedRows = {
+    {0x0520, "EF_Identification", "Error reading EF_Identification:", true, false, false, {{143, 1, 1}}},
+    {0x0501, "EF_Application_Identification", "Error reading EF_Application_Identification:", true, false, false, {{10, 1, 1}}},
+    {0xC100, "EF_Card_Certificate", "Error reading EF_Card_Certificate:", false, true, false, {{1, 194, 1}}},
+    {0xC108, "EF_CA_Certificate", "Error reading EF_CA_Certificate:", false, true, false, {{1, 194, 1}}},
+    {0x050E, "EF_Card_Download", "Error reading EF_Card_Download:", true, true, false, {{4, 1, 1}}},
+    {0x0521, "EF_Driving_License_Info", "Error reading EF_Driving_License_Info:", true, true, false, {{53, 1, 1}}},
+    {0x0502, "EF_EventsData", "Error reading EF_EventsData:", true, false, false, {{24, 0, 6}}},
+    {0x0503, "EF_FaultsData", "Error reading EF_FaultsData:", true, false, false, {{24, 0, 2}}},
+    {0x0504, "EF_Driver_Activity_Data", "Error reading EF_Driver_Activity_Data:", true, false, false, {{2, 1, 1}, {2, 1, 1}, {1, 0, 1}}},
+    {0x0505, "EF_Vehicles_Used", "Error reading EF_Vehicles_Used:", true, false, false, {{2, 1, 1}, {31, 0, 1}}},
+    {0x0506, "EF_Places", "Error reading EF_Places:", true, true, false, {{1, 1, 1}, {10, 0, 1}}},
+    {0x0507, "EF_Current_Usage", "Error reading EF_Current_Usage:", true, true, false, {{19, 1, 1}}},
+    {0x0508, "EF_Control_Activity_Data", "Error reading EF_Control_Activity_Data:", true, true, false, {{46, 1, 1}}},
+    {0x0522, "EF_Specific_Conditions", "Error reading m_EF_Specitifc_Conditions:", true, true, false, {{5, 56, 1}}},
 };
-
-std::vector<EfRow> rowsReadAt(ReadAt when)
-{
-    std::vector<EfRow> rows;
-    for (const EfRow& row : driverG1Table().rows)
-        if (row.readAt == when)
-            rows.push_back(row);
-    return rows;
-}
+// clang-format on
 
 std::uint32_t total(
     unsigned int events, unsigned int faults, unsigned int activityBytes, unsigned int vehicles,
@@ -68,29 +52,12 @@ TEST(DriverG1Table, IsTheFirstGenerationsApplication)
 
 TEST(DriverG1Table, TheDownloadReadsEveryEfInItsOrder)
 {
-    const std::vector<EfRow> rows = rowsReadAt(ReadAt::Download);
-    ASSERT_EQ(rows.size(), std::size(expectedRows));
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        const ExpectedRow& expected = expectedRows[i];
-        SCOPED_TRACE(expected.name);
-        EXPECT_EQ(rows[i].fid, expected.fid);
-        EXPECT_STREQ(rows[i].name, expected.name);
-        EXPECT_STREQ(rows[i].failureText, expected.failureText);
-        EXPECT_EQ(rows[i].signing == Signing::Signed, expected.isSigned);
-        EXPECT_EQ(rows[i].inImage == InImage::Optional, expected.optionalInImage);
-    }
+    test::expectRows(driverG1Table(), expectedRows);
 }
 
 TEST(DriverG1Table, IdentificationHasReadCardAndChip)
 {
-    const std::vector<EfRow> rows = rowsReadAt(ReadAt::Identification);
-    ASSERT_EQ(rows.size(), 2U);
-    EXPECT_EQ(rows[0].fid, 0x0002);
-    EXPECT_STREQ(rows[0].name, "EF_ICC");
-    EXPECT_EQ(rows[0].signing, Signing::Unsigned);
-    EXPECT_EQ(rows[1].fid, 0x0005);
-    EXPECT_STREQ(rows[1].name, "EF_IC");
-    EXPECT_EQ(rows[1].signing, Signing::Unsigned);
+    test::expectIdentificationRows(driverG1Table());
 }
 
 TEST(DriverG1Table, SavesInTheOrderOfTheDownloadImage)
@@ -103,52 +70,7 @@ TEST(DriverG1Table, SavesInTheOrderOfTheDownloadImage)
 
 TEST(DriverG1Table, EverySavedEfIsReadOnce)
 {
-    std::vector<unsigned short> read;
-    for (const EfRow& row : driverG1Table().rows)
-        read.push_back(row.fid);
-    EXPECT_THAT(driverG1Table().saveOrder, testing::UnorderedElementsAreArray(read));
-}
-
-struct ExpectedPieces
-{
-    unsigned short fid;
-    // Record size, fixed count (0 when the card counts), groups.
-    std::vector<std::vector<std::size_t>> pieces;
-};
-
-TEST(DriverG1Table, EachEfHasItsPieces)
-{
-    const ExpectedPieces expectedPieces[] = {
-        {0x0002, {{25, 1, 1}}},
-        {0x0005, {{8, 1, 1}}},
-        {0x0520, {{143, 1, 1}}},
-        {0x0501, {{10, 1, 1}}},
-        {0xC100, {{1, 194, 1}}},
-        {0xC108, {{1, 194, 1}}},
-        {0x050E, {{4, 1, 1}}},
-        {0x0521, {{53, 1, 1}}},
-        {0x0502, {{24, 0, 6}}},
-        {0x0503, {{24, 0, 2}}},
-        {0x0504, {{2, 1, 1}, {2, 1, 1}, {1, 0, 1}}},
-        {0x0505, {{2, 1, 1}, {31, 0, 1}}},
-        {0x0506, {{1, 1, 1}, {10, 0, 1}}},
-        {0x0507, {{19, 1, 1}}},
-        {0x0508, {{46, 1, 1}}},
-        {0x0522, {{5, 56, 1}}},
-    };
-    for (const ExpectedPieces& expected : expectedPieces) {
-        SCOPED_TRACE(expected.fid);
-        const auto& rows = driverG1Table().rows;
-        const auto row = std::find_if(
-            rows.begin(), rows.end(), [&](const EfRow& each) { return each.fid == expected.fid; });
-        ASSERT_NE(row, rows.end());
-        std::vector<std::vector<std::size_t>> pieces;
-        for (const Piece& piece : row->pieces) {
-            EXPECT_EQ(piece.count.fid, piece.count.from == RecordCount::From::Field ? 0x0501 : 0);
-            pieces.push_back({piece.recordSize, piece.count.number, piece.groups});
-        }
-        EXPECT_EQ(pieces, expected.pieces);
-    }
+    test::expectEverySavedEfIsReadOnce(driverG1Table());
 }
 
 TEST(DriverG1Table, FixedSizesAddUpTo983)
