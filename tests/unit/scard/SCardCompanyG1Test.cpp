@@ -366,41 +366,7 @@ TEST(SCardCompanyG1DataToRead, NeedsTheApplicationIdentification)
     }
 }
 
-// saveToFile() and postDownloadTasks()
-
-TEST(SCardCompanyG1Save, AClosedFileIsRefusedFirst)
-{
-    ImageCompany card(smallCompanyImage());
-    test::DebugStream::clear();
-
-    EXPECT_EQ(test::saveToClosedFile(card), test::notOpened);
-    EXPECT_THAT(test::DebugStream::lines(), IsEmpty());
-    ASSERT_THAT(chain(card.read()), IsEmpty());
-    EXPECT_EQ(test::saveToClosedFile(card), test::notOpened);
-}
-
-TEST(SCardCompanyG1Save, DataThatAreNotValidAreRefusedNextWithoutALine)
-{
-    SCardCompanyG1 blank;
-    ImageCompany unread(smallCompanyImage());
-    ASSERT_THAT(chain(unread.calcDataToRead()), IsEmpty());
-    test::DebugStream::clear();
-
-    EXPECT_EQ(saveToOpenFile(blank), noValidData);
-    EXPECT_EQ(saveToOpenFile(unread), noValidData);
-
-    EXPECT_THAT(test::DebugStream::lines(), IsEmpty());
-}
-
-TEST(SCardCompanyG1Save, DataOfAnImageAreRefusedAndNothingIsWritten)
-{
-    ImageCompany card(smallCompanyImage());
-    ASSERT_THAT(chain(card.read()), IsEmpty());
-    test::DebugStream::clear();
-
-    EXPECT_EQ(saveToOpenFile(card), notAllowed);
-    EXPECT_THAT(test::DebugStream::lines(), IsEmpty());
-}
+// postDownloadTasks()
 
 TEST(SCardCompanyG1PostDownload, HasNothingToDo)
 {

@@ -485,41 +485,7 @@ TEST(SCardCompanyG2DataToRead, ACardOfVersion2NeedsTheFileOfThatVersion)
         libraryFailure({"readFromMem() invalid dataset size:3requested:4"}, 6700));
 }
 
-// saveToFile() and postDownloadTasks()
-
-TEST(SCardCompanyG2Save, AClosedFileIsRefusedFirst)
-{
-    ImageCompany card(bothApplications(Version::first));
-    test::DebugStream::clear();
-
-    EXPECT_EQ(test::saveToClosedFile(card), test::notOpened);
-    EXPECT_THAT(test::DebugStream::lines(), IsEmpty());
-    ASSERT_THAT(chain(card.read()), IsEmpty());
-    EXPECT_EQ(test::saveToClosedFile(card), test::notOpened);
-}
-
-TEST(SCardCompanyG2Save, DataThatAreNotValidAreRefusedNextWithoutALine)
-{
-    SCardCompanyG2 blank;
-    ImageCompany unread(bothApplications(Version::first));
-    ASSERT_THAT(chain(unread.calcDataToRead()), IsEmpty());
-    test::DebugStream::clear();
-
-    EXPECT_EQ(saveToOpenFile(blank), noValidData);
-    EXPECT_EQ(saveToOpenFile(unread), noValidData);
-
-    EXPECT_THAT(test::DebugStream::lines(), IsEmpty());
-}
-
-TEST(SCardCompanyG2Save, DataOfAnImageAreRefusedAndNothingIsWritten)
-{
-    ImageCompany card(bothApplications(Version::second));
-    ASSERT_THAT(chain(card.read()), IsEmpty());
-    test::DebugStream::clear();
-
-    EXPECT_EQ(saveToOpenFile(card), notAllowed);
-    EXPECT_THAT(test::DebugStream::lines(), IsEmpty());
-}
+// postDownloadTasks()
 
 TEST(SCardCompanyG2PostDownload, HasNothingToDo)
 {

@@ -580,41 +580,6 @@ TEST(SCardWorkshopG1DataToRead, DoesNotMakeTheDataValid)
     EXPECT_EQ(saveToOpenFile(card), noValidData);
 }
 
-// saveToFile()
-
-TEST(SCardWorkshopG1Save, AClosedFileIsRefusedFirst)
-{
-    ImageWorkshop card(smallWorkshopImage());
-    test::DebugStream::clear();
-
-    EXPECT_EQ(test::saveToClosedFile(card), test::notOpened);
-    EXPECT_THAT(test::DebugStream::lines(), IsEmpty());
-    ASSERT_THAT(chain(card.read()), IsEmpty());
-    EXPECT_EQ(test::saveToClosedFile(card), test::notOpened);
-}
-
-TEST(SCardWorkshopG1Save, DataThatAreNotValidAreRefusedNextWithoutALine)
-{
-    ImageWorkshop onImage(smallWorkshopImage());
-    SCardWorkshopG1 onNothing;
-    test::DebugStream::clear();
-
-    EXPECT_EQ(saveToOpenFile(onImage), noValidData);
-    EXPECT_EQ(saveToOpenFile(onNothing), noValidData);
-
-    EXPECT_THAT(test::DebugStream::lines(), IsEmpty());
-}
-
-TEST(SCardWorkshopG1Save, DataOfAnImageAreRefusedAndNothingIsWritten)
-{
-    ImageWorkshop card(smallWorkshopImage());
-    ASSERT_THAT(chain(card.read()), IsEmpty());
-    test::DebugStream::clear();
-
-    EXPECT_EQ(saveToOpenFile(card), notAllowed);
-    EXPECT_THAT(test::DebugStream::lines(), IsEmpty());
-}
-
 // postDownloadTasks() and the count since the last download
 
 TEST(SCardWorkshopG1PostDownload, AnImageHasNothingToDo)

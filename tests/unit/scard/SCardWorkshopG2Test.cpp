@@ -660,46 +660,12 @@ TEST(SCardWorkshopG2DataToRead, AnImageOfVersion2NeedsTheCountsOfThatVersion)
 
 // saveToFile() and postDownloadTasks()
 
-TEST(SCardWorkshopG2Save, AClosedFileIsRefusedFirst)
-{
-    ImageWorkshop card(smallWorkshopImageG2(Version::first));
-    test::DebugStream::clear();
-
-    EXPECT_EQ(test::saveToClosedFile(card), test::notOpened);
-    EXPECT_THAT(test::DebugStream::lines(), IsEmpty());
-    ASSERT_THAT(chain(card.read()), IsEmpty());
-    EXPECT_EQ(test::saveToClosedFile(card), test::notOpened);
-}
-
-TEST(SCardWorkshopG2Save, DataThatAreNotValidAreRefusedNextWithoutALine)
-{
-    SCardWorkshopG2 blank;
-    ImageWorkshop unread(smallWorkshopImageG2(Version::first));
-    ASSERT_THAT(chain(unread.calcDataToRead()), IsEmpty());
-    test::DebugStream::clear();
-
-    EXPECT_EQ(saveToOpenFile(blank), noValidData);
-    EXPECT_EQ(saveToOpenFile(unread), noValidData);
-
-    EXPECT_THAT(test::DebugStream::lines(), IsEmpty());
-}
-
 TEST(SCardWorkshopG2Save, TheFirstApplicationAloneDoesNotMakeTheDataValid)
 {
     ImageWorkshop card(withSecond(secondWorkshopApplication(Version::second).without(0x0525)));
     ASSERT_FALSE(card.read().isEmpty());
 
     EXPECT_EQ(saveToOpenFile(card), noValidData);
-}
-
-TEST(SCardWorkshopG2Save, DataOfAnImageAreRefusedAndNothingIsWritten)
-{
-    ImageWorkshop card(smallWorkshopImageG2(Version::second));
-    ASSERT_THAT(chain(card.read()), IsEmpty());
-    test::DebugStream::clear();
-
-    EXPECT_EQ(saveToOpenFile(card), notAllowed);
-    EXPECT_THAT(test::DebugStream::lines(), IsEmpty());
 }
 
 TEST(SCardWorkshopG2PostDownload, AnImageHasNothingToDo)
