@@ -60,7 +60,7 @@ aux::Error SCardDriverG1::read()
 aux::Error SCardDriverG1::saveToFile(QFile& file)
 {
     if (file.isOpen() && !isDataValid())
-        detail::logSaveFailed("Save failed g1: ", isDataValid(), isLoadedFromZubo());
+        detail::logSaveFailed("Save failed g1: ", isLoadedFromZubo());
     return d->application.save(*this, file);
 }
 

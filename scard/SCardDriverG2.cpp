@@ -52,7 +52,7 @@ aux::Error SCardDriverG2::read()
 aux::Error SCardDriverG2::saveToFile(QFile& file)
 {
     if (file.isOpen() && !isDataValid())
-        detail::logSaveFailed("Save failed g2: ", isDataValid(), hasCardInfo());
+        detail::logSaveFailed("Save failed g2: ", hasCardInfo());
     return d->application.saveBehind([this, &file] { return SCardDriverG1::saveToFile(file); }, *this, file);
 }
 

@@ -15,11 +15,11 @@
 
 namespace scard::detail {
 
-/// Tells the debug stream why nothing is saved: @p text, the data-valid flag and another one.
-inline void logSaveFailed(const char* text, bool dataValid, bool flag)
+/// Tells the debug stream why nothing is saved: @p text, the data-valid flag, which is not set, and another
+/// one.
+inline void logSaveFailed(const char* text, bool flag)
 {
-    const auto word = [](bool value) { return value ? "true" : "false"; };
-    qDebug().noquote() << QByteArray(text) + word(dataValid) << word(flag);
+    qDebug().noquote() << QByteArray(text) + "false" << (flag ? "true" : "false");
 }
 
 /// What one application of a driver card holds, and the lists that are made of it. @p Identification is the
@@ -29,6 +29,7 @@ struct DriverData
 {
     explicit DriverData(const EfTable& table) : application(table) {}
 
+    /// Forgets what was made of an earlier reading.
     void clearLists()
     {
         days.clear();

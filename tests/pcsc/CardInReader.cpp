@@ -71,10 +71,7 @@ void CardInReader::expectFileOfEachRegion(int imageSize)
 
 std::vector<std::string> CardInReader::commands() const
 {
-    std::vector<std::string> sent;
-    for (const sim::Exchange& exchange : m_card->log())
-        sent.push_back(sim::toHex(exchange.command));
-    return sent;
+    return commandsOf(*m_card);
 }
 
 } // namespace test

@@ -168,6 +168,14 @@ std::vector<std::string> commandsOf(const std::vector<Step>& steps)
     return commands;
 }
 
+std::vector<std::string> commandsOf(const sim::Card& card)
+{
+    std::vector<std::string> commands;
+    for (const sim::Exchange& exchange : card.log())
+        commands.push_back(sim::toHex(exchange.command));
+    return commands;
+}
+
 std::vector<std::string> withoutStampTimes(std::vector<std::string> sent)
 {
     const std::string header = "00 D6 00 00 04";

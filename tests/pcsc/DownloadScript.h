@@ -1,6 +1,6 @@
 #pragma once
 
-#include <simulator/CardDescription.h>
+#include <simulator/Card.h>
 #include <support/ErrorChain.h>
 
 #include <QByteArray>
@@ -98,8 +98,10 @@ class Script
     std::vector<Step> m_steps;
 };
 
-/// The commands of @p steps, and those that were sent without the time behind each stamp's header.
+/// The commands of @p steps, those that @p card has got, and these without the time behind each stamp's
+/// header.
 std::vector<std::string> commandsOf(const std::vector<Step>& steps);
+std::vector<std::string> commandsOf(const sim::Card& card);
 std::vector<std::string> withoutStampTimes(std::vector<std::string> sent);
 
 /// Percentages that the download of @p steps reports, when @p total bytes are announced and @p before have

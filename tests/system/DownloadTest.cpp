@@ -3,6 +3,7 @@
 
 #include <pcsc/Answers.h>
 #include <pcsc/ExpectedDriver.h>
+#include <pcsc/LoadedAgain.h>
 #include <simulator/ControlCard.h>
 #include <support/DebugStream.h>
 
@@ -17,24 +18,13 @@
 namespace {
 
 using namespace test;
-using scard::SCardReader;
 using testing::AnyOf;
 using testing::ElementsAreArray;
 using testing::Eq;
 using testing::IsEmpty;
 
 class SystemDownloadTest : public CardBehindPcscd
-{
-  protected:
-    /// What the card has got; after takeOut().
-    std::vector<std::string> sent()
-    {
-        std::vector<std::string> commands;
-        for (const sim::Exchange& exchange : card().log())
-            commands.push_back(sim::toHex(exchange.command));
-        return commands;
-    }
-};
+{};
 
 TEST_F(SystemDownloadTest, GivesTheSameBytesAsInProcess)
 {
@@ -51,7 +41,7 @@ TEST_F(SystemDownloadTest, SendsTheSameCommandsAsInProcess)
     insert(driverCard());
     EXPECT_THAT(chain(download().failure), IsEmpty());
     takeOut();
-    EXPECT_THAT(withoutStampTimes(sent()), ElementsAreArray(commandsOf(expectedSteps())));
+    EXPECT_THAT(withoutStampTimes(commandsOf(card())), ElementsAreArray(commandsOf(expectedSteps())));
 }
 
 TEST_F(SystemDownloadTest, ASecondGenerationCardGivesTheSameBytesAsInProcess)
@@ -76,7 +66,7 @@ TEST_F(SystemDownloadTest, ACardOfVersion22GivesTheSameBytesByTheSameCommandsAnd
     const std::vector<Step> steps = expectedStepsG2(counts);
     EXPECT_THAT(result.progress, ElementsAreArray(expectedProgress(steps, 120220, 33)));
     takeOut();
-    EXPECT_THAT(withoutStampTimes(sent()), ElementsAreArray(commandsOf(steps)));
+    EXPECT_THAT(withoutStampTimes(commandsOf(card())), ElementsAreArray(commandsOf(steps)));
     EXPECT_GE(sim::readU32(*card().file(sim::AidG1, 0x050E), 0), before);
     EXPECT_GE(sim::readU32(*card().file(sim::AidG2, 0x050E), 0), before);
 }
@@ -90,14 +80,8 @@ TEST_F(SystemDownloadTest, TheFileAnswersAsTheCardDid)
         const auto fromCard = std::dynamic_pointer_cast<scard::SCardDriverG1>(result.card);
         ASSERT_TRUE(fromCard);
 
-        QFile file(result.path);
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        scard::SCardGeneric image(file, result.card->getDownloadTimestamp(), scard::RegionDDD);
-        EXPECT_THAT(chain(image.readCardInfo()), IsEmpty());
-        const auto fromImage =
-            std::dynamic_pointer_cast<scard::SCardDriverG1>(SCardReader().generateSpecific(image));
+        const auto fromImage = loadedAgain<scard::SCardDriverG1>(result);
         ASSERT_TRUE(fromImage);
-        EXPECT_THAT(chain(fromImage->read()), IsEmpty());
         EXPECT_EQ(identityOf(*fromImage), identityOf(*fromCard));
         EXPECT_EQ(answersOf(*fromImage), answersOf(*fromCard));
 
