@@ -4,7 +4,7 @@
 #include <scard/detail/CompanyG1Table.h>
 #include <scard/detail/CompanyValues.h>
 #include <scard/detail/ErrorBuilder.h>
-#include <scard/detail/Fid.h>
+#include <scard/records/Fid.h>
 #include <scard/detail/FileName.h>
 
 namespace scard {
@@ -54,7 +54,7 @@ void SCardCompanyG1::constructFilename()
 
 std::vector<CompanyActivity> SCardCompanyG1::getCompanyActivities() const
 {
-    return detail::companyActivities(d->application.bytes(detail::fidCompanyActivityData));
+    return detail::companyActivities(d->application.bytes(fidCompanyActivityData));
 }
 
 } // namespace scard

@@ -4,7 +4,7 @@
 #include <scard/detail/CompanyG2Table.h>
 #include <scard/detail/CompanyValues.h>
 #include <scard/detail/ErrorBuilder.h>
-#include <scard/detail/Fid.h>
+#include <scard/records/Fid.h>
 #include <scard/detail/RecordFields.h>
 
 namespace scard {
@@ -35,7 +35,7 @@ aux::Error SCardCompanyG2::read()
 {
     forgetFirstApplication(); // it is read last, or not at all
     aux::Error failure = d->application.read(*this, [this](unsigned short fid) {
-        if (fid == detail::fidIdentification)
+        if (fid == fidIdentification)
             announceHolder();
     });
     if (!failure.isEmpty())
@@ -52,7 +52,7 @@ aux::Error SCardCompanyG2::saveToFile(QFile& file)
 
 CompanyCard_EF_Identification SCardCompanyG2::getCardIdentification() const
 {
-    return d->application.record<CompanyCard_EF_Identification>(detail::fidIdentification);
+    return d->application.record<CompanyCard_EF_Identification>(fidIdentification);
 }
 
 QString SCardCompanyG2::getCardHolderName() const
@@ -62,7 +62,7 @@ QString SCardCompanyG2::getCardHolderName() const
 
 std::vector<CompanyActivity> SCardCompanyG2::getCompanyActivitiesG2() const
 {
-    return detail::companyActivities(d->application.bytes(detail::fidCompanyActivityData));
+    return detail::companyActivities(d->application.bytes(fidCompanyActivityData));
 }
 
 void SCardCompanyG2::announceHolder()

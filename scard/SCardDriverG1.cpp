@@ -4,7 +4,7 @@
 #include <scard/detail/DriverG1Table.h>
 #include <scard/detail/DrivingTime.h>
 #include <scard/detail/ErrorBuilder.h>
-#include <scard/detail/Fid.h>
+#include <scard/records/Fid.h>
 #include <scard/detail/FileName.h>
 #include <scard/detail/HolderName.h>
 #include <scard/detail/RecordFields.h>
@@ -43,7 +43,7 @@ aux::Error SCardDriverG1::read()
 {
     d->clearLists();
     aux::Error failure = d->application.read(*this, [this](unsigned short fid) {
-        if (fid == detail::fidIdentification)
+        if (fid == fidIdentification)
             announceHolder();
     });
     if (d->application.hasRequired(*this)) {
@@ -71,12 +71,12 @@ aux::Error SCardDriverG1::postDownloadTasks()
 
 DriverCard_EF_Identification SCardDriverG1::getCardIdentification()
 {
-    return d->application.record<DriverCard_EF_Identification>(detail::fidIdentification);
+    return d->application.record<DriverCard_EF_Identification>(fidIdentification);
 }
 
 QDateTime SCardDriverG1::getLastCardDownload()
 {
-    return detail::localTime(d->application.record<TimeReal>(detail::fidCardDownload));
+    return detail::localTime(d->application.record<TimeReal>(fidCardDownload));
 }
 
 QString SCardDriverG1::getCardHolderName()
@@ -115,7 +115,7 @@ aux::Error SCardDriverG1::buildDailyActivityList()
 
 void SCardDriverG1::buildUsedVehiclesList()
 {
-    d->vehicles = detail::usedVehiclesG1(d->application.bytes(detail::fidVehiclesUsed));
+    d->vehicles = detail::usedVehiclesG1(d->application.bytes(fidVehiclesUsed));
 }
 
 void SCardDriverG1::buildEventList()
@@ -181,12 +181,12 @@ int SCardDriverG1::getTimeToNextBreak(QDate date) const
 
 std::vector<Place> SCardDriverG1::getPlaces() const
 {
-    return detail::placesG1(d->application.bytes(detail::fidPlaces));
+    return detail::placesG1(d->application.bytes(fidPlaces));
 }
 
 std::vector<SpecificCondition> SCardDriverG1::getSpecificConditions() const
 {
-    return detail::specificConditionsG1(d->application.bytes(detail::fidSpecificConditions));
+    return detail::specificConditionsG1(d->application.bytes(fidSpecificConditions));
 }
 
 CurrentUse SCardDriverG1::getCurrentUse() const
@@ -217,7 +217,7 @@ aux::Error SCardDriverG1::updateLastCardDownload()
     const auto now = static_cast<std::uint32_t>(QDateTime::currentSecsSinceEpoch() & 0xFFFFFFFF);
     const auto stamp = toBigEndian<sizeof(TimeReal)>(now);
     return detail::CardApplication::recordDownload(
-        *this, detail::fidCardDownload, {stamp.begin(), stamp.end()});
+        *this, fidCardDownload, {stamp.begin(), stamp.end()});
 }
 
 void SCardDriverG1::announceHolder()

@@ -3,7 +3,7 @@
 #include <scard/detail/DriverData.h>
 #include <scard/detail/DriverG2Table.h>
 #include <scard/detail/ErrorBuilder.h>
-#include <scard/detail/Fid.h>
+#include <scard/records/Fid.h>
 #include <scard/detail/HolderName.h>
 #include <scard/detail/RecordFields.h>
 #include <scard/detail/SortByTime.h>
@@ -66,16 +66,16 @@ aux::Error SCardDriverG2::postDownloadTasks()
 
 DriverCard_EF_Identification SCardDriverG2::getCardIdentification()
 {
-    if (!d->application.has(detail::fidIdentification))
+    if (!d->application.has(fidIdentification))
         return SCardDriverG1::getCardIdentification();
-    return d->application.record<DriverCard_EF_Identification>(detail::fidIdentification);
+    return d->application.record<DriverCard_EF_Identification>(fidIdentification);
 }
 
 QDateTime SCardDriverG2::getLastCardDownload()
 {
-    if (!d->application.has(detail::fidCardDownload))
+    if (!d->application.has(fidCardDownload))
         return SCardDriverG1::getLastCardDownload();
-    return detail::localTime(d->application.record<TimeReal>(detail::fidCardDownload));
+    return detail::localTime(d->application.record<TimeReal>(fidCardDownload));
 }
 
 QString SCardDriverG2::getCardHolderName()
@@ -92,7 +92,7 @@ aux::Error SCardDriverG2::buildDailyActivityList()
 
 void SCardDriverG2::buildUsedVehiclesList()
 {
-    d->vehicles = detail::usedVehiclesG2(d->application.bytes(detail::fidVehiclesUsed));
+    d->vehicles = detail::usedVehiclesG2(d->application.bytes(fidVehiclesUsed));
     detail::sortByTime<_VEHICLE_USAGE_INFO_G2>(d->vehicles, &_VEHICLE_USAGE_INFO_G2::firstUse);
 }
 
@@ -131,12 +131,12 @@ std::vector<SCardDriverG1::_FAULT> SCardDriverG2::getFaultsG2() const
 std::vector<Place> SCardDriverG2::getPlacesG2() const
 {
     return detail::placesG2(
-        d->application.bytes(detail::fidPlaces), d->application.bytes(detail::fidPlacesAuthentication));
+        d->application.bytes(fidPlaces), d->application.bytes(fidPlacesAuthentication));
 }
 
 std::vector<SpecificCondition> SCardDriverG2::getSpecificConditionsG2() const
 {
-    return detail::specificConditionsG2(d->application.bytes(detail::fidSpecificConditions));
+    return detail::specificConditionsG2(d->application.bytes(fidSpecificConditions));
 }
 
 CurrentUse SCardDriverG2::getCurrentUseG2() const
@@ -156,29 +156,29 @@ DrivingLicence SCardDriverG2::getDrivingLicenceG2() const
 
 std::vector<VehicleUnit> SCardDriverG2::getVehicleUnits() const
 {
-    return detail::vehicleUnits(d->application.bytes(detail::fidVehicleUnitsUsed));
+    return detail::vehicleUnits(d->application.bytes(fidVehicleUnitsUsed));
 }
 
 std::vector<GnssPlace> SCardDriverG2::getGnssPlaces() const
 {
     return detail::gnssPlaces(
-        d->application.bytes(detail::fidGnssPlaces),
-        d->application.bytes(detail::fidGnssPlacesAuthentication));
+        d->application.bytes(fidGnssPlaces),
+        d->application.bytes(fidGnssPlacesAuthentication));
 }
 
 std::vector<BorderCrossing> SCardDriverG2::getBorderCrossings() const
 {
-    return detail::borderCrossings(d->application.bytes(detail::fidBorderCrossings));
+    return detail::borderCrossings(d->application.bytes(fidBorderCrossings));
 }
 
 std::vector<LoadUnloadOperation> SCardDriverG2::getLoadUnloadOperations() const
 {
-    return detail::loadUnloadOperations(d->application.bytes(detail::fidLoadUnloadOperations));
+    return detail::loadUnloadOperations(d->application.bytes(fidLoadUnloadOperations));
 }
 
 std::vector<LoadTypeEntry> SCardDriverG2::getLoadTypeEntries() const
 {
-    return detail::loadTypeEntries(d->application.bytes(detail::fidLoadTypeEntries));
+    return detail::loadTypeEntries(d->application.bytes(fidLoadTypeEntries));
 }
 
 } // namespace scard

@@ -3,7 +3,7 @@
 #include <scard/detail/Apdu.h>
 #include <scard/detail/ApplicationName.h>
 #include <scard/detail/ErrorBuilder.h>
-#include <scard/detail/Fid.h>
+#include <scard/records/Fid.h>
 #include <scard/detail/ImageRecord.h>
 #include <scard/detail/PcscError.h>
 #include <scard/detail/RecordWriter.h>
@@ -171,13 +171,13 @@ aux::Error SCardGeneric::readCardInfo()
 
     qDebug().noquote() << "\nEF_ICC";
     try {
-        d->icc = readFrom<CardIccIdentification>(detail::fidIcc, 0, false);
+        d->icc = readFrom<CardIccIdentification>(fidIcc, 0, false);
     } catch (const aux::Error& failure) {
         qDebug().noquote() << "Error reading EF_ICC:" << failure;
     }
     qDebug().noquote() << "\nEF_IC";
     try {
-        d->ic = readFrom<CardIcIdentification>(detail::fidIc, 0, false);
+        d->ic = readFrom<CardIcIdentification>(fidIc, 0, false);
     } catch (const aux::Error& failure) {
         qDebug().noquote() << "Error reading EF_IC:" << failure;
     }
@@ -195,7 +195,7 @@ aux::Error SCardGeneric::readCardInfo()
     GenericCardApplicationIdentification application{};
     try {
         application =
-            readFrom<GenericCardApplicationIdentification>(detail::fidApplicationIdentification, 0, false);
+            readFrom<GenericCardApplicationIdentification>(fidApplicationIdentification, 0, false);
     } catch (const aux::Error& failure) {
         qDebug().noquote() << "Error reading Generic EF_Application_Identification (Card Type):" << failure;
         return failure;

@@ -2,7 +2,7 @@
 
 #include <scard/detail/CardApplication.h>
 #include <scard/detail/ErrorBuilder.h>
-#include <scard/detail/Fid.h>
+#include <scard/records/Fid.h>
 #include <scard/detail/FileName.h>
 #include <scard/detail/HolderName.h>
 #include <scard/detail/WorkshopG1Table.h>
@@ -36,7 +36,7 @@ aux::Error SCardWorkshopG1::read()
 {
     countIdentification();
     return d->application.read(*this, [this](unsigned short fid) {
-        if (fid == detail::fidIdentification)
+        if (fid == fidIdentification)
             announceHolder();
     });
 }
@@ -62,12 +62,12 @@ void SCardWorkshopG1::constructFilename()
 aux::Error SCardWorkshopG1::resetCalibrationsSinceDownload()
 {
     const std::vector<unsigned char> none(sizeof(UInt16), 0);
-    return detail::CardApplication::recordDownload(*this, detail::fidCardDownloadWorkshop, none);
+    return detail::CardApplication::recordDownload(*this, fidCardDownloadWorkshop, none);
 }
 
 WorkshopCard_EF_Identification SCardWorkshopG1::getCardIdentification() const
 {
-    return d->application.record<WorkshopCard_EF_Identification>(detail::fidIdentification);
+    return d->application.record<WorkshopCard_EF_Identification>(fidIdentification);
 }
 
 QString SCardWorkshopG1::getCardHolderName() const
@@ -78,12 +78,12 @@ QString SCardWorkshopG1::getCardHolderName() const
 CalibrationCounters SCardWorkshopG1::getCalibrationCounters() const
 {
     return detail::calibrationCounters(
-        d->application.bytes(detail::fidCalibration), d->application.bytes(detail::fidCardDownloadWorkshop));
+        d->application.bytes(fidCalibration), d->application.bytes(fidCardDownloadWorkshop));
 }
 
 std::vector<Calibration> SCardWorkshopG1::getCalibrations() const
 {
-    return detail::calibrationsG1(d->application.bytes(detail::fidCalibration));
+    return detail::calibrationsG1(d->application.bytes(fidCalibration));
 }
 
 void SCardWorkshopG1::announceHolder()

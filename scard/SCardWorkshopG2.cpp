@@ -2,7 +2,7 @@
 
 #include <scard/detail/CardApplication.h>
 #include <scard/detail/ErrorBuilder.h>
-#include <scard/detail/Fid.h>
+#include <scard/records/Fid.h>
 #include <scard/detail/WorkshopG2Table.h>
 #include <scard/detail/WorkshopValues.h>
 
@@ -53,23 +53,23 @@ aux::Error SCardWorkshopG2::postDownloadTasks()
 
 WorkshopCard_EF_Identification SCardWorkshopG2::getCardIdentificationG2() const
 {
-    return d->application.record<WorkshopCard_EF_Identification>(detail::fidIdentification);
+    return d->application.record<WorkshopCard_EF_Identification>(fidIdentification);
 }
 
 CalibrationCounters SCardWorkshopG2::getCalibrationCountersG2() const
 {
     return detail::calibrationCounters(
-        d->application.bytes(detail::fidCalibration), d->application.bytes(detail::fidCardDownloadWorkshop));
+        d->application.bytes(fidCalibration), d->application.bytes(fidCardDownloadWorkshop));
 }
 
 std::vector<Calibration> SCardWorkshopG2::getCalibrationsG2() const
 {
-    return detail::calibrationsG2(d->application.bytes(detail::fidCalibration));
+    return detail::calibrationsG2(d->application.bytes(fidCalibration));
 }
 
 std::vector<CalibrationAddData> SCardWorkshopG2::getCalibrationAddData() const
 {
-    return detail::calibrationAddData(d->application.bytes(detail::fidCalibrationAddData));
+    return detail::calibrationAddData(d->application.bytes(fidCalibrationAddData));
 }
 
 } // namespace scard

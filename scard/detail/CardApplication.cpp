@@ -2,7 +2,7 @@
 
 #include <scard/detail/CertificateSize.h>
 #include <scard/detail/ErrorBuilder.h>
-#include <scard/detail/Fid.h>
+#include <scard/records/Fid.h>
 #include <scard/records/BigEndian.h>
 
 #include <QDebug>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <scard/detail/EfTable.h>
-#include <scard/detail/Fid.h>
+#include <scard/records/Fid.h>
 
 // Names and failure texts of the EFs. They are spelled as they always were, not as the regulation spells
 // them: people search their logs for them.

@@ -19,18 +19,15 @@ bool anyRecord(ImageView image, Visitor visit)
 {
     std::size_t position = 0;
     while (position + recordHeaderLength <= image.size) {
-        const unsigned char* header = image.bytes + position;
-        const auto fid = static_cast<unsigned short>(fromBigEndian(header, 2));
-        const auto type = static_cast<RecordType>(header[2]);
-        const unsigned int length = fromBigEndian(header + 3, 2);
+        const RecordHeader header = recordHeaderAt(image.bytes + position);
         const std::size_t payload = position + recordHeaderLength;
-        if (payload + length > image.size) {
+        if (payload + header.length > image.size) {
             position = payload;
             continue;
         }
-        if (visit(fid, type, Extent{static_cast<unsigned int>(payload), length}))
+        if (visit(header.fid, header.type, Extent{static_cast<unsigned int>(payload), header.length}))
             return true;
-        position = payload + length;
+        position = payload + header.length;
     }
     return false;
 }

@@ -1,26 +1,16 @@
 #pragma once
 
 #include <aux/Error.h>
+#include <scard/records/ImageRecord.h>
 
 #include <array>
 #include <cstddef>
 #include <string>
 #include <vector>
 
-// The download image: records one behind the other, each FID (2 bytes), type (1), length (2), payload;
-// numbers big-endian; no header, no trailer.
+// The records of a download image: making, finding and copying them.
 
 namespace scard::detail {
-
-enum class RecordType : unsigned char
-{
-    DataG1 = 0x00,
-    SignatureG1 = 0x01,
-    DataG2 = 0x02,
-    SignatureG2 = 0x03,
-};
-
-constexpr std::size_t recordHeaderLength = 5;
 
 /// Id of a request that does not fit the dataset in the image.
 constexpr unsigned int imageDatasetErrorId = 6700;

@@ -12,6 +12,8 @@
 namespace {
 
 using namespace scard::detail;
+using scard::recordHeaderLength;
+using scard::RecordType;
 using test::Bytes;
 using test::chain;
 using test::Image;

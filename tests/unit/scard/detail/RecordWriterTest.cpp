@@ -15,6 +15,7 @@
 namespace {
 
 using namespace scard::detail;
+using scard::RecordType;
 using test::Bytes;
 
 Bytes contentOf(const QString& path)

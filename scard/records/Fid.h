@@ -1,6 +1,6 @@
 #pragma once
 
-namespace scard::detail {
+namespace scard {
 
 // The EFs by their numbers (Appendix 2).
 constexpr unsigned short fidIcc = 0x0002;
@@ -34,4 +34,4 @@ constexpr unsigned short fidCardSignCertificate = 0xC101;
 constexpr unsigned short fidCaCertificate = 0xC108;
 constexpr unsigned short fidLinkCertificate = 0xC109;
 
-} // namespace scard::detail
+} // namespace scard
