@@ -20,6 +20,7 @@ for class in SCardReader SCardGeneric SCardDriverG1 SCardDriverG2 SCardWorkshopG
     echo "$shown" | grep -q "scard::$class::staticMetaObject" || { echo "does not show scard::$class"; status=1; }
 done
 echo "$shown" | grep -q "scard::SCardMeta::staticMetaObject" || { echo "does not show scard::SCardMeta"; status=1; }
+echo "$shown" | grep -q '^scard::efName(' || { echo "does not show scard::efName"; status=1; }
 if echo "$shown" | grep -E '(^|[^a-z_])scard::detail::'; then
     echo "shows its internals"
     status=1
