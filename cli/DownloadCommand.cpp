@@ -1,91 +1,114 @@
-#include "DownloadCommand.h"
-
+#include "Command.h"
 #include "Console.h"
-
-#include <scard/SCardReader.h>
+#include "download/DownloadArguments.h"
+#include "reader/ReaderWait.h"
+#include "StopSignal.h"
 
 #include <QDeadlineTimer>
-#include <QElapsedTimer>
-#include <QFileInfo>
-#include <QMetaEnum>
-#include <QThread>
 
 #include <chrono>
 
 namespace {
 
-void printWhatArrives(const scard::SCardReader& reader)
+const auto waitOption = QStringLiteral("wait");
+const auto withoutLimit = QStringLiteral("forever");
+
+/// Numbers and words, but not the option that follows.
+bool isWaitValue(const QString& text)
 {
-    QObject::connect(&reader, &scard::SCardReader::cardType, [](scard::SCardMeta::Type type) {
-        out() << "Card: " << QMetaEnum::fromType<scard::SCardMeta::Type>().valueToKey(type) << Qt::endl;
-    });
-    QObject::connect(&reader, &scard::SCardReader::cardLanguage, [](const QLocale& language) {
-        out() << "Language: " << language.name().section(QLatin1Char('_'), 0, 0) << Qt::endl;
-    });
-    QObject::connect(&reader, &scard::SCardReader::cardHolder, [](const QString& name) {
-        out() << "Holder: " << printable(name) << Qt::endl;
-    });
-    QObject::connect(&reader, &scard::SCardReader::progress, [last = -1](int percent) mutable {
-        constexpr int stepPercent = 10;
-        if (percent / stepPercent == last / stepPercent && last >= 0)
-            return;
-        last = percent;
-        out() << "Progress: " << percent << " %" << Qt::endl;
-    });
+    bool isNumber = false;
+    text.toDouble(&isNumber);
+    return isNumber || !text.startsWith(QLatin1Char('-'));
 }
 
-/// Waits until the first reader has a card, or the time is over: opening will then say what is wrong.
-void waitForCard(scard::SCardReader& reader, int seconds)
+std::optional<ExitCode> readWait(const Arguments& arguments, QDeadlineTimer& end)
 {
-    constexpr unsigned int sliceMs = 250;
-    bool cardThere = false;
-    const auto connection = QObject::connect(
-        &reader, &scard::SCardReader::present, [&cardThere](bool present) { cardThere |= present; });
-    const QDeadlineTimer end(std::chrono::seconds{seconds});
-    while (!cardThere && !end.hasExpired()) {
-        QElapsedTimer slice;
-        slice.start();
-        reader.monitor(sliceMs);
-        // A service that is gone answers at once; that must not become a busy loop.
-        if (!cardThere && slice.elapsed() < sliceMs)
-            QThread::msleep(sliceMs - static_cast<unsigned long>(slice.elapsed()));
+    end = QDeadlineTimer(0);
+    if (!arguments.isSet(waitOption))
+        return std::nullopt;
+    const QString text = arguments.value(waitOption);
+    if (text == withoutLimit) {
+        end = QDeadlineTimer(QDeadlineTimer::Forever);
+        return std::nullopt;
     }
-    QObject::disconnect(connection);
+    bool isNumber = false;
+    const uint seconds = text.toUInt(&isNumber);
+    if (!isNumber)
+        return arguments.usageError(QStringLiteral("\"%1\" is no number of seconds.").arg(text));
+    end = QDeadlineTimer(std::chrono::seconds(seconds));
+    return std::nullopt;
+}
+
+[[noreturn]] void endBySignal()
+{
+    out().flush();
+    StopSignal::endProgram();
+}
+
+/// Waits until the first reader has a card, the time is over or the reader is lost: opening will then say
+/// what is wrong.
+void waitForCard(scard::SCardReader& reader, const QDeadlineTimer& end)
+{
+    ReaderWait wait(reader);
+    const auto hasCard = [&wait] {
+        const ReaderSurvey& survey = wait.survey();
+        return !survey.readers.empty() && survey.readers.front().hasCard();
+    };
+    while (!hasCard() && !wait.isLost() && !end.hasExpired()) {
+        wait.wait();
+        if (StopSignal::requested()) {
+            reader.uninit();
+            endBySignal();
+        }
+    }
+}
+
+DownloadResult noReader(const aux::Error& failure)
+{
+    DownloadResult result;
+    result.failure = cardFailureOf(failure);
+    result.code = result.failure->code;
+    return result;
+}
+
+DownloadResult download(const DownloadOptions& options, ReportStyle style, const QDeadlineTimer& end)
+{
+    scard::SCardReader reader;
+    const aux::Error failure = reader.init();
+    if (!failure.isEmpty()) {
+        reader.uninit();
+        return noReader(failure);
+    }
+    if (!end.hasExpired())
+        waitForCard(reader, end);
+    ProgressDisplay display(DownloadArguments::progressStyle(style));
+    return CardDownload(options, display, QStringLiteral("Card"), endBySignal).run(reader);
 }
 
 } // namespace
 
-int downloadCard(scard::FilenameRegion region, int waitSeconds)
+ExitCode runDownload(const QStringList& arguments)
 {
-    scard::SCardReader reader;
-    printWhatArrives(reader);
+    Arguments given(
+        QStringLiteral("scard download"),
+        QStringLiteral("Downloads the card in the first reader into a file, and tells the card of it."));
+    DownloadArguments::add(given);
+    given.addOptionalValue(
+        waitOption, QStringLiteral("SECONDS"),
+        QStringLiteral("Wait for a card to be put in; without SECONDS as long as it takes."), withoutLimit,
+        isWaitValue);
+    if (const std::optional<ExitCode> end = given.read(arguments))
+        return *end;
+    QDeadlineTimer waitEnd;
+    if (const std::optional<ExitCode> end = readWait(given, waitEnd))
+        return *end;
+    DownloadOptions options;
+    ReportStyle style = ReportStyle::Text;
+    if (const std::optional<ExitCode> end = DownloadArguments::read(given, options, style))
+        return *end;
 
-    QString path;
-    QObject::connect(
-        &reader, &scard::SCardReader::readDone, [&path](const std::shared_ptr<scard::SCardGeneric>& card) {
-            path = QStringLiteral("/tmp/") + card->getFilename();
-        });
-
-    aux::Error failure = reader.init();
-    if (failure.isEmpty()) {
-        waitForCard(reader, waitSeconds);
-        failure = reader.open();
-    }
-    if (failure.isEmpty()) {
-        // From here on: before, an empty reader beside the right one also counts as a removal.
-        QObject::connect(
-            &reader, &scard::SCardReader::removed, [] { err() << "The card was removed." << Qt::endl; });
-        failure = reader.read(region);
-        // The download decides; a card that is gone cannot be disconnected from any more.
-        reader.close();
-    }
-    reader.uninit();
-
-    if (!failure.isEmpty()) {
-        printFailure(QStringLiteral("The card could not be downloaded"), failure);
-        return 1;
-    }
-    const QFileInfo file(path);
-    out() << "File: " << printable(path) << " (" << file.size() << " bytes)" << Qt::endl;
-    return 0;
+    StopSignal::install();
+    const DownloadResult result = download(options, style, waitEnd);
+    report(result, style);
+    return finishOutput(result.code);
 }

@@ -1,263 +1,138 @@
-#include "ShowCommand.h"
-
+#include "Arguments.h"
+#include "Command.h"
 #include "Console.h"
-
-#include <scard/SCardCompanyG1.h>
-#include <scard/SCardCompanyG2.h>
-#include <scard/SCardDriverG1.h>
-#include <scard/SCardDriverG2.h>
-#include <scard/SCardReader.h>
-#include <scard/SCardWorkshopG1.h>
-#include <scard/SCardWorkshopG2.h>
+#include "report/ReadReport.h"
+#include "report/Writers.h"
 
 #include <QFile>
-#include <QLoggingCategory>
-#include <QMap>
-#include <QMetaEnum>
+#include <QJsonDocument>
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
-#include <optional>
-#include <vector>
 
 namespace {
 
-using Days = std::vector<scard::SCardDriverG1::_DAILY_ACTIVITIES>;
+using report::Report;
 
-QString generationText(const scard::SCardGeneric& card)
+/// What the arguments ask for.
+struct Wishes
 {
-    if (!card.is2ndGeneneration())
-        return QStringLiteral("first generation");
-    return card.is2_2Generation() ? QStringLiteral("second generation, version 2.2")
-                                  : QStringLiteral("second generation");
-}
-
-/// The first application's days; the second's when the first was not read.
-Days daysOf(scard::SCardDriverG1& driver)
-{
-    Days days = driver.getActivities();
-    const auto* second = dynamic_cast<const scard::SCardDriverG2*>(&driver);
-    return days.empty() && second ? second->getActivitiesG2() : days;
-}
-
-/// A card that was never downloaded says 0.
-QString lastDownload(scard::SCardDriverG1& driver)
-{
-    const QDateTime time = driver.getLastCardDownload();
-    return time.toSecsSinceEpoch() == 0 ? QStringLiteral("not known")
-                                        : time.toString(QStringLiteral("yyyy-MM-dd hh:mm"));
-}
-
-/// The library names an EF that it cannot read on the debug stream only.
-QString unreadableEf;
-bool showDebugStream = false;
-
-void noteUnreadableEf(QtMsgType type, const QMessageLogContext&, const QString& text)
-{
-    // Some names have a letter or two before "EF_".
-    const int name = text.indexOf(QLatin1String("EF_"));
-    if (text.startsWith(QLatin1String("Error reading ")) && name >= 0)
-        unreadableEf = text.mid(name).section(QLatin1Char(':'), 0, 0);
-    if (type != QtDebugMsg || showDebugStream)
-        err() << text << Qt::endl;
-}
-
-/// Reads everything, and says in @p ef which EF ended it.
-aux::Error readNaming(scard::SCardGeneric& card, QString& ef)
-{
-    showDebugStream = QLoggingCategory::defaultCategory()->isDebugEnabled();
-    QLoggingCategory::setFilterRules(QString());
-    const QtMessageHandler before = qInstallMessageHandler(noteUnreadableEf);
-    unreadableEf.clear();
-    aux::Error failure = card.read();
-    qInstallMessageHandler(before);
-    ef = unreadableEf;
-    return failure;
-}
-
-/// Minutes as hours and minutes.
-QString duration(int minutes)
-{
-    const QString sign = minutes < 0 ? QStringLiteral("-") : QString();
-    minutes = std::abs(minutes);
-    return sign + QStringLiteral("%1:%2").arg(minutes / 60).arg(minutes % 60, 2, 10, QLatin1Char('0'));
-}
-
-/// Prints how many items there are under a title, and the last of them, each by @p print.
-template <typename Item, typename Print>
-void printLast(const char* title, const std::vector<Item>& items, int wanted, const char* head, Print print)
-{
-    const std::size_t shown = std::min(items.size(), static_cast<std::size_t>(wanted));
-    out() << title << " (UTC): " << items.size() << ", the last " << shown << ":\n" << head;
-    std::for_each(items.end() - static_cast<std::ptrdiff_t>(shown), items.end(), print);
-}
-
-// The card's days and times are those of UTC.
-
-QString dayText(const QDateTime& time)
-{
-    return time.isNull() ? QStringLiteral("not known") : time.toUTC().toString(QStringLiteral("yyyy-MM-dd"));
-}
-
-QString timeText(const QDateTime& time)
-{
-    return time.isNull() ? QStringLiteral("not known       ")
-                         : time.toUTC().toString(QStringLiteral("yyyy-MM-dd hh:mm"));
-}
-
-QString vehicleText(const scard::Nation& nation, const QString& registration)
-{
-    return printable((nation.alpha + QLatin1Char(' ') + registration).trimmed());
-}
-
-QString wordFor(const QMap<int, QString>& words, int code)
-{
-    return words.value(code, QStringLiteral("code %1").arg(code));
-}
-
-void print(scard::SCardDriverG1& driver, int wanted)
-{
-    out() << "Holder: " << printable(driver.getCardHolderName()) << '\n'
-          << "Downloaded before (local time): " << lastDownload(driver) << '\n';
-    printLast(
-        "Days", daysOf(driver), wanted, "              driving     work     rest  available  unknown\n",
-        [](const scard::SCardDriverG1::_DAILY_ACTIVITIES& day) {
-            out() << "  " << dayText(day.date) << "  " << duration(day.driving).rightJustified(7) << "  "
-                  << duration(day.work).rightJustified(7) << "  " << duration(day.rest).rightJustified(7)
-                  << "  " << duration(day.availability).rightJustified(9) << "  "
-                  << duration(day.unknown).rightJustified(7) << '\n';
-        });
-}
-
-/// What there is to show of a workshop card.
-struct WorkshopCard
-{
-    scard::WorkshopCard_EF_Identification identification;
-    scard::CalibrationCounters counters;
-    std::vector<scard::Calibration> calibrations;
+    QStringList files;
+    bool asJson = false;
+    QString csvTable;
+    report::Range range;
+    report::Zone zone = report::Zone::Local;
 };
 
-/// From the second application, which knows more; what could not be read there, from the first.
-WorkshopCard contentsOf(const scard::SCardWorkshopG1& workshop)
+void describe(Arguments& options)
 {
-    WorkshopCard contents{
-        workshop.getCardIdentification(), workshop.getCalibrationCounters(), workshop.getCalibrations()};
-    const auto* second = dynamic_cast<const scard::SCardWorkshopG2*>(&workshop);
-    if (!second)
-        return contents;
-    const scard::WorkshopCard_EF_Identification identification = second->getCardIdentificationG2();
-    if (identification.cardIssueDate.value() != 0)
-        contents.identification = identification;
-    const scard::CalibrationCounters counters = second->getCalibrationCountersG2();
-    if (counters.sinceDownload)
-        contents.counters.sinceDownload = counters.sinceDownload;
-    if (counters.total) { // EF_Calibration was read
-        contents.counters.total = counters.total;
-        contents.calibrations = second->getCalibrationsG2();
+    options.addFlag(QStringLiteral("json"), QStringLiteral("As JSON, with everything that is known."));
+    options.addValue(
+        QStringLiteral("csv"), QStringLiteral("table"),
+        QStringLiteral("One table as CSV: %1.").arg(report::csvTables().join(QStringLiteral(", "))));
+    options.addValue(
+        QStringLiteral("from"), QStringLiteral("date"),
+        QStringLiteral("Leave out what was before (2024-03-05)."));
+    options.addValue(
+        QStringLiteral("until"), QStringLiteral("date"),
+        QStringLiteral("Leave out what came after that day."));
+    options.addFlag(
+        QStringLiteral("utc"),
+        QStringLiteral(
+            "Times in UTC, as the card keeps them, instead of local time. Days are always those of UTC."));
+    options.addPositional(QStringLiteral("FILE..."), QStringLiteral("Downloads of cards."));
+}
+
+/// Takes a date from the option @p name; false when it is none.
+bool takeDate(const Arguments& options, const QString& name, QDate& date)
+{
+    if (!options.isSet(name))
+        return true;
+    // Qt::ISODate would take any text behind the date.
+    date = QDate::fromString(options.value(name), QStringLiteral("yyyy-MM-dd"));
+    return date.isValid();
+}
+
+std::optional<ExitCode> takeWishes(const Arguments& options, Wishes& wishes)
+{
+    wishes.files = options.positional();
+    wishes.asJson = options.isSet(QStringLiteral("json"));
+    wishes.csvTable = options.value(QStringLiteral("csv"));
+    if (options.isSet(QStringLiteral("utc")))
+        wishes.zone = report::Zone::Utc;
+    if (wishes.files.isEmpty())
+        return options.usageError(QStringLiteral("no file given."));
+    const int formats = int(wishes.asJson) + int(options.isSet(QStringLiteral("csv")));
+    if (formats > 1)
+        return options.usageError(QStringLiteral("--json and --csv exclude each other."));
+    if (options.isSet(QStringLiteral("csv")) && !report::csvTables().contains(wishes.csvTable))
+        return options.usageError(QStringLiteral("there is no table \"%1\"; %2.")
+                                      .arg(wishes.csvTable, report::csvTables().join(QStringLiteral(", "))));
+    for (const auto& [name, date] :
+         {std::pair{"from", &wishes.range.from}, std::pair{"until", &wishes.range.until}}) {
+        if (!takeDate(options, QString::fromLatin1(name), *date))
+            return options.usageError(QStringLiteral("\"%1\" is no date; 2024-03-05 is one.")
+                                          .arg(options.value(QString::fromLatin1(name))));
     }
-    return contents;
+    if (wishes.range.from.isValid() && wishes.range.until.isValid() && wishes.range.until < wishes.range.from)
+        return options.usageError(QStringLiteral("--until is before --from."));
+    return std::nullopt;
 }
 
-void print(const scard::SCardWorkshopG1& workshop, int wanted)
+ExitCode write(const std::vector<Report>& reports, const Wishes& wishes)
 {
-    static const QMap<int, QString> purposes{
-        {1, QStringLiteral("activation")},           {2, QStringLiteral("first installation")},
-        {3, QStringLiteral("installation")},         {4, QStringLiteral("periodic inspection")},
-        {5, QStringLiteral("registration entered")}, {6, QStringLiteral("time set")}};
-    const auto number = [](const std::optional<int>& value) {
-        return value ? QString::number(*value) : QStringLiteral("not known");
-    };
-    const auto text = [](const auto& field) {
-        return printable(scard::SCardGeneric::textfieldToString(field).trimmed());
-    };
-    const WorkshopCard contents = contentsOf(workshop);
-    out() << "Holder: " << text(contents.identification.holderFirstNames) << ", "
-          << text(contents.identification.holderSurname) << '\n'
-          << "Workshop: " << text(contents.identification.workshopName) << ", "
-          << text(contents.identification.workshopAddress) << '\n'
-          << "Calibrations with this card: " << number(contents.counters.total)
-          << ", since the download before: " << number(contents.counters.sinceDownload) << '\n';
-    printLast("Calibrations", contents.calibrations, wanted, "", [](const scard::Calibration& each) {
-        out() << "  " << timeText(each.newTime) << "  "
-              << printable(each.vehicleIdentificationNumber).leftJustified(17) << "  "
-              << vehicleText(each.nation, each.registration).leftJustified(17) << "  "
-              << QString::number(each.newOdometer).rightJustified(7) << " km  "
-              << wordFor(purposes, each.purpose) << ", next " << dayText(each.nextCalibration) << '\n';
-    });
-}
-
-/// The second application of a company card is found only in files of other programs; it is shown where there
-/// is no first.
-void print(const scard::SCardCompanyG1& company, int wanted)
-{
-    static const QMap<int, QString> words{
-        {1, QStringLiteral("card downloaded")},
-        {2, QStringLiteral("vehicle unit downloaded")},
-        {3, QStringLiteral("locked in")},
-        {4, QStringLiteral("locked out")}};
-    std::vector<scard::CompanyActivity> activities = company.getCompanyActivities();
-    const auto* second = dynamic_cast<const scard::SCardCompanyG2*>(&company);
-    if (second)
-        out() << "Holder: " << printable(second->getCardHolderName()) << '\n';
-    if (second && activities.empty())
-        activities = second->getCompanyActivitiesG2();
-    printLast("Activities", activities, wanted, "", [](const scard::CompanyActivity& each) {
-        out() << "  " << timeText(each.time) << "  " << wordFor(words, each.activityType);
-        if (!each.registration.isEmpty())
-            out() << ", vehicle " << vehicleText(each.nation, each.registration);
-        if (!each.cardNumber.isEmpty())
-            out() << ", card " << vehicleText(each.cardNation, each.cardNumber);
-        out() << '\n';
-    });
-}
-
-/// False when cards of this kind are not shown.
-bool printContents(scard::SCardGeneric& card, int wanted)
-{
-    if (auto* driver = dynamic_cast<scard::SCardDriverG1*>(&card))
-        print(*driver, wanted);
-    else if (const auto* workshop = dynamic_cast<const scard::SCardWorkshopG1*>(&card))
-        print(*workshop, wanted);
-    else if (const auto* company = dynamic_cast<const scard::SCardCompanyG1*>(&card))
-        print(*company, wanted);
-    else
-        return false;
-    return true;
+    if (wishes.asJson) {
+        out().setCodec("UTF-8");
+        out() << QJsonDocument(report::toJson(reports)).toJson(QJsonDocument::Compact) << '\n';
+        return exitDone;
+    }
+    if (!wishes.csvTable.isEmpty()) {
+        out().setCodec("UTF-8");
+        if (report::writeCsv(out(), reports, wishes.csvTable) || reports.empty())
+            return exitDone;
+        err() << "scard: no card of this kind keeps the table " << wishes.csvTable << '.' << Qt::endl;
+        return exitUsage;
+    }
+    report::TextStyle style;
+    style.columns = outputColumns();
+    style.hasColours = outputHasColours();
+    style.hasShades = outputCanShow(QString::fromUtf8("\u00B7\u2591\u2592\u2588"));
+    for (const Report& each : reports)
+        report::writeText(out(), each, style);
+    return exitDone;
 }
 
 } // namespace
 
-int showDownload(const QString& path, int newest)
+ExitCode runShow(const QStringList& arguments)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        err() << "scard: " << path << ": " << file.errorString() << Qt::endl;
-        return 1;
-    }
-    scard::SCardGeneric image(file, QDateTime::currentDateTimeUtc(), scard::RegionDDD);
-    aux::Error failure = image.readCardInfo();
-    if (!failure.isEmpty()) {
-        printFailure(QStringLiteral("scard: %1 is no download of a tachograph card").arg(path), failure);
-        return 1;
-    }
-    out() << "Card: " << QMetaEnum::fromType<scard::SCardMeta::Type>().valueToKey(image.getCardType()) << ", "
-          << generationText(image) << '\n';
+    Arguments options(
+        QStringLiteral("scard show"),
+        QStringLiteral(
+            "Shows what is on a download: whose card it is, and what it keeps. Of a damaged file what can "
+            "be read is shown."));
+    describe(options);
+    if (const std::optional<ExitCode> end = options.read(arguments))
+        return *end;
+    Wishes wishes;
+    if (const std::optional<ExitCode> end = takeWishes(options, wishes))
+        return *end;
 
-    const std::shared_ptr<scard::SCardGeneric> card = scard::SCardReader().generateSpecific(image);
-    QString ef;
-    failure = readNaming(*card, ef);
-    if (!printContents(*card, newest)) {
-        out().flush();
-        err() << "scard: " << path << ": cards of this kind are not shown." << Qt::endl;
-        return 1;
+    ExitCode code = exitDone;
+    std::vector<Report> reports;
+    std::vector<report::ReadResult> failures;
+    for (const QString& path : wishes.files) {
+        report::ReadResult result = report::readReport(path, wishes.range, wishes.zone);
+        code = std::max(code, result.code);
+        if (result.report)
+            reports.push_back(*std::move(result.report));
+        if (!result.message.isEmpty())
+            failures.push_back(std::move(result));
     }
-    out().flush();
-    if (!failure.isEmpty()) {
-        printFailure(
-            QStringLiteral("scard: %1 could not be read to its end, %2 is missing or short").arg(path, ef),
-            failure);
-        return 1;
+    code = std::max(code, write(reports, wishes));
+    code = finishOutput(code);
+    for (const report::ReadResult& failure : failures) {
+        err() << "scard: " << printable(failure.message) << '\n' << failure.advice << Qt::endl;
+        printChain(failure.failure);
     }
-    return 0;
+    return code;
 }

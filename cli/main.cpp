@@ -1,92 +1,88 @@
+#include "Command.h"
 #include "Console.h"
-#include "DownloadCommand.h"
-#include "ShowCommand.h"
+#include "LibraryLog.h"
 
-#include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QLoggingCategory>
-#include <QMap>
+
+#include <algorithm>
+#include <csignal>
+#include <fcntl.h>
+#include <iterator>
+#include <unistd.h>
 
 namespace {
 
-constexpr int exitUsage = 2;
-
-int usageError(const QString& message)
+struct Command
 {
-    err() << message << "\nSee: scard --help" << Qt::endl;
+    const char* name;
+    ExitCode (*run)(const QStringList& arguments);
+    const char* description;
+};
+
+constexpr Command commands[] = {
+    {"doctor", runDoctor, "what is wrong when no card can be read"},
+    {"download", runDownload, "the card in the first reader, into a file"},
+    {"show", runShow, "what is on a download: text, JSON, CSV"},
+    {"records", runRecords, "the records of a download file, also of a damaged one"},
+};
+
+void printHelp(QTextStream& stream)
+{
+    stream << "Usage: scard COMMAND [OPTIONS]\n\n"
+              "Downloads a digital tachograph card, and shows what a download holds.\n\n"
+              "Commands:\n";
+    for (const Command& command : commands)
+        stream << "  " << QString::fromLatin1(command.name).leftJustified(10) << command.description << '\n';
+    stream << "\nOptions:\n"
+              "  -h, --help     this help; scard COMMAND --help says more\n"
+              "  -v, --version  the version\n";
+}
+
+ExitCode usageError(const QString& message)
+{
+    err() << "scard: " << message << "\nSee: scard --help" << Qt::endl;
     return exitUsage;
+}
+
+/// A standard stream that was closed would be the next file that is opened: the output would go into it.
+void openStandardStreams()
+{
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(descriptor, F_GETFD) < 0)
+            ::open("/dev/null", O_RDWR);
+    }
 }
 
 } // namespace
 
 int main(int argc, char* argv[])
 {
+    openStandardStreams();
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("scard"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(SCARD_VERSION));
+    // Without TZ the C library looks at the zone's file anew for each of thousands of times.
+    if (!qEnvironmentVariableIsSet("TZ"))
+        qputenv("TZ", ":/etc/localtime");
+    LibraryLog::install();
+    // A reader of the output that goes away must not end a download half-way.
+    std::signal(SIGPIPE, SIG_IGN);
 
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Downloads a digital tachograph card, and shows what a download holds.\n\n"
-                       "  scard download    the card in the first reader, into a file under /tmp/\n"
-                       "  scard show FILE   whose card it is, and the last of what is on it"));
-    const QCommandLineOption helpOption = parser.addHelpOption();
-    const QCommandLineOption versionOption = parser.addVersionOption();
-    parser.addPositionalArgument(QStringLiteral("command"), QStringLiteral("download or show FILE"));
-    const QCommandLineOption regionOption(
-        QStringLiteral("region"), QStringLiteral("Naming of the file: ddd, c1b or tgd."),
-        QStringLiteral("ddd|c1b|tgd"), QStringLiteral("ddd"));
-    const QCommandLineOption waitOption(
-        QStringLiteral("wait"), QStringLiteral("Wait so many seconds for a card to be put in."),
-        QStringLiteral("seconds"), QStringLiteral("0"));
-    const QCommandLineOption daysOption(
-        QStringLiteral("days"), QStringLiteral("Show so many days, calibrations or activities."),
-        QStringLiteral("number"), QStringLiteral("7"));
-    const QCommandLineOption verboseOption(
-        QStringLiteral("verbose"), QStringLiteral("Show what the library does, on standard error."));
-    parser.addOption(regionOption);
-    parser.addOption(waitOption);
-    parser.addOption(daysOption);
-    parser.addOption(verboseOption);
-    if (!parser.parse(QCoreApplication::arguments()))
-        return usageError(QStringLiteral("scard: ") + parser.errorText());
-    if (parser.isSet(versionOption))
-        parser.showVersion();
-    if (parser.isSet(helpOption))
-        parser.showHelp();
-
-    const QStringList arguments = parser.positionalArguments();
+    const QStringList arguments = QCoreApplication::arguments().mid(1);
     if (arguments.isEmpty())
-        return usageError(QStringLiteral("scard: no command given."));
-    if (!parser.isSet(verboseOption))
-        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
-
-    if (arguments.front() == QLatin1String("show") && arguments.size() == 2) {
-        bool daysIsNumber = false;
-        const int days = parser.value(daysOption).toInt(&daysIsNumber);
-        if (!daysIsNumber || days < 1)
-            return usageError(
-                QStringLiteral("scard: \"%1\" is no number of days.").arg(parser.value(daysOption)));
-        return showDownload(arguments.back(), days);
+        return usageError(QStringLiteral("no command given."));
+    const QString& first = arguments.front();
+    if (first == QLatin1String("--help") || first == QLatin1String("-h")) {
+        printHelp(out());
+        return finishOutput(exitDone);
     }
-    if (arguments != QStringList{QStringLiteral("download")})
-        return usageError(
-            QStringLiteral("scard: unknown command \"%1\".").arg(arguments.join(QLatin1Char(' '))));
-
-    const QMap<QString, scard::FilenameRegion> regions{
-        {QStringLiteral("ddd"), scard::RegionDDD},
-        {QStringLiteral("c1b"), scard::RegionC1B},
-        {QStringLiteral("tgd"), scard::RegionTGD}};
-    const QString region = parser.value(regionOption).toLower();
-    if (!regions.contains(region))
-        return usageError(
-            QStringLiteral("scard: unknown region \"%1\"; ddd, c1b or tgd.").arg(parser.value(regionOption)));
-
-    bool waitIsNumber = false;
-    const int waitSeconds = parser.value(waitOption).toInt(&waitIsNumber);
-    if (!waitIsNumber || waitSeconds < 0)
-        return usageError(
-            QStringLiteral("scard: \"%1\" is no number of seconds.").arg(parser.value(waitOption)));
-
-    return downloadCard(regions.value(region), waitSeconds);
+    if (first == QLatin1String("--version") || first == QLatin1String("-v")) {
+        out() << "scard " SCARD_VERSION "\n";
+        return finishOutput(exitDone);
+    }
+    const auto* command = std::find_if(std::begin(commands), std::end(commands), [&](const Command& each) {
+        return first == QLatin1String(each.name);
+    });
+    if (command == std::end(commands))
+        return usageError(QStringLiteral("unknown command \"%1\".").arg(first));
+    return command->run(arguments);
 }

@@ -1,7 +1,7 @@
 #!/bin/sh
 # Builds the library, puts a simulated driver card of version 2.2 into a virtual reader behind a pcscd of its own,
-# downloads it with `scard download`, and shows the file, its records and the driver's last days. The file stays
-# under /tmp/; nothing else does.
+# downloads it with `scard download`, and shows the file's records and the driver's last days. The file stays under
+# /tmp/; nothing else does.
 set -eu
 cd "$(dirname "$0")/.."
 scripts/install-packages.sh
@@ -18,14 +18,13 @@ scripts/with-virtual-reader.sh sh -euc '
     $card --kind driver-g2v2 --surname Mustermann --first-names Jana --nation 0D --days 60 &
     cardPid=$!
     trap "kill $cardPid 2>/dev/null || true" EXIT
+    scard=build/release/cli/scard
     echo "== scard download"
-    build/release/cli/scard download --wait 20 | tee /run/demo.out
-    file=$(sed -n "s/^File: \(.*\) ([0-9]* bytes)$/\1/p" /run/demo.out)
-    [ -n "$file" ] || exit 1
-    echo "== The file"
-    ls -l "$file"
-    echo "== Its records"
-    scripts/list-records.sh "$file"
-    echo "== The last days"
-    build/release/cli/scard show --days 10 "$file"
+    $scard download --wait 20 | tee /run/demo.out
+    file=$(sed -n "s/^File: *//p" /run/demo.out)
+    [ -f "$file" ] || exit 1
+    echo "== scard records"
+    $scard records "$file"
+    echo "== scard show"
+    $scard show --from 2024-02-25 "$file"
 '

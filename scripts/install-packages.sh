@@ -12,6 +12,7 @@ packages="
     libssl-dev
     pcscd
     pkg-config
+    python3-jsonschema
     qtbase5-dev
     tzdata
     vsmartcard-vpcd

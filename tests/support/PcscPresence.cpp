@@ -8,13 +8,13 @@
 
 namespace test {
 
-bool waitForPresence(bool present)
+bool waitForPresence(bool present, const char* reader)
 {
     SCARDCONTEXT context = 0;
     if (SCardEstablishContext(SCARD_SCOPE_SYSTEM, nullptr, nullptr, &context) != SCARD_S_SUCCESS)
         return false;
     SCARD_READERSTATE state{};
-    state.szReader = virtualReaderName;
+    state.szReader = reader;
     const DWORD wanted = present ? SCARD_STATE_PRESENT : SCARD_STATE_EMPTY;
     const QDeadlineTimer end(std::chrono::seconds{10});
     while (!(state.dwEventState & wanted) && !end.hasExpired()) {

@@ -1,0 +1,166 @@
+#include "DownloadReport.h"
+
+#include "../CardNames.h"
+#include "../Console.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace {
+
+constexpr double millisecondsPerSecond = 1000;
+
+QJsonValue textOrNull(const QString& text)
+{
+    return text.isEmpty() ? QJsonValue() : QJsonValue(text);
+}
+
+QJsonValue timeOrNull(const QDateTime& time)
+{
+    return time.isValid() ? QJsonValue(time.toUTC().toString(Qt::ISODate)) : QJsonValue();
+}
+
+/// A number with its meaning, as "scard show --json" has them.
+QJsonObject coded(int code, const QString& name)
+{
+    return {{"code", code}, {"name", name}};
+}
+
+QJsonValue cardJson(const std::optional<CardIdentity>& card)
+{
+    if (!card)
+        return {};
+    return QJsonObject{
+        {"type", coded(static_cast<int>(card->type), cardTypeName(card->type))},
+        {"generation", card->secondGeneration ? coded(2, "second generation") : coded(1, "first generation")},
+        {"version", card->version2 ? QJsonValue("2.2") : QJsonValue()},
+        {"chip_serial_number", textOrNull(card->chipSerialText())},
+    };
+}
+
+QJsonObject entryJson(const aux::ErrorData& entry)
+{
+    constexpr int hexadecimal = 16;
+    return {
+        {"source", entry.getSource()},
+        {"message", entry.getMessage()},
+        {"id", static_cast<qint64>(entry.getId())},
+        {"id_hex", QString::number(entry.getId(), hexadecimal).toUpper()},
+    };
+}
+
+QJsonValue failureJson(const std::optional<CardFailure>& failure)
+{
+    if (!failure)
+        return {};
+    QJsonArray entries;
+    for (const aux::ErrorData& entry : failure->chain)
+        entries.append(entryJson(entry));
+    return QJsonObject{
+        {"message", failure->message},
+        {"advice", textOrNull(failure->advice)},
+        {"ef", textOrNull(failure->ef)},
+        {"entries", entries},
+    };
+}
+
+QByteArray oneLine(const QJsonObject& object)
+{
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
+void printSummary(const DownloadResult& result)
+{
+    if (result.file) {
+        out() << "File: " << printable(result.file->path) << '\n'
+              << "Size: " << result.file->size << " bytes\n"
+              << "SHA-256: " << result.file->sha256 << '\n'
+              << "Signatures: " << result.file->signatures << '\n';
+    }
+    if (result.file && result.file->size == 0)
+        out() << "Note: the file is empty; what is on a card of this kind is not downloaded.\n";
+    if (result.file && result.durationMs) {
+        const double seconds = static_cast<double>(*result.durationMs) / millisecondsPerSecond;
+        out() << "Duration: " << QString::number(seconds, 'f', 1) << " s\n";
+    }
+}
+
+/// The library goes on without EF_ICC and EF_IC, and without the first of two applications.
+void warnOfUnreadEfs(const DownloadResult& result)
+{
+    if (!result.file || result.unreadEfs.isEmpty())
+        return;
+    err() << "scard: The card did not give " << result.unreadEfs.join(QStringLiteral(", "))
+          << ": the file lacks what is there.\n"
+             "Take the card out, put it in again and download it once more."
+          << Qt::endl;
+}
+
+} // namespace
+
+void report(const DownloadResult& result, ReportStyle style)
+{
+    switch (style) {
+    case ReportStyle::Text:
+        printSummary(result);
+        break;
+    case ReportStyle::Json:
+        printJson(downloadJson(result));
+        break;
+    case ReportStyle::Quiet:
+        if (result.file)
+            out() << result.file->path << '\n';
+        break;
+    }
+    out().flush();
+    warnOfUnreadEfs(result);
+    if (result.failure)
+        printCardFailure(*result.failure);
+}
+
+QByteArray downloadJson(const DownloadResult& result)
+{
+    QJsonObject json{
+        {"format", "scard-download-1"},
+        {"exit_code", result.code},
+        {"card", cardJson(result.card)},
+        {"holder", textOrNull(result.holder)},
+        {"language", textOrNull(result.language)},
+        {"unread_efs", QJsonArray::fromStringList(result.unreadEfs)},
+        {"file", QJsonValue()},
+        {"size_bytes", QJsonValue()},
+        {"sha256", QJsonValue()},
+        {"signatures", QJsonValue()},
+        {"duration_seconds", QJsonValue()},
+        {"downloaded_at", timeOrNull(result.downloadedAt)},
+        {"failure", failureJson(result.failure)},
+    };
+    if (result.file) {
+        json["file"] = result.file->path;
+        json["size_bytes"] = result.file->size;
+        json["sha256"] = result.file->sha256;
+        json["signatures"] = result.file->signatures;
+    }
+    if (result.durationMs)
+        json["duration_seconds"] = static_cast<double>(*result.durationMs) / millisecondsPerSecond;
+    return oneLine(json);
+}
+
+QByteArray identificationJson(
+    const std::optional<CardIdentity>& card, const std::optional<CardFailure>& failure,
+    const QDateTime& seenAt)
+{
+    return oneLine(
+        {{"format", "scard-card-1"},
+         {"exit_code", failure ? failure->code : exitDone},
+         {"card", cardJson(card)},
+         {"seen_at", timeOrNull(seenAt)},
+         {"failure", failureJson(failure)}});
+}
+
+void printJson(const QByteArray& json)
+{
+    out().setCodec("UTF-8");
+    out() << QString::fromUtf8(json) << Qt::endl;
+}

@@ -1,0 +1,114 @@
+#include "Report.h"
+
+#include <QTime>
+
+#include <algorithm>
+
+namespace report {
+
+const char* const noVerdict =
+    "These are simple remaining times by the rule beside each, reckoned from what is on the "
+    "card; they are no legal verdict.";
+
+namespace {
+
+QDate dateIn(const Value& value, Zone zone)
+{
+    if (const auto* time = std::get_if<QDateTime>(&value))
+        return zone == Zone::Utc ? time->toUTC().date() : time->toLocalTime().date();
+    if (const auto* day = std::get_if<CardDay>(&value))
+        return day->time.toUTC().date();
+    return QDate();
+}
+
+bool touches(const Range& range, QDate begin, QDate end)
+{
+    const bool endsBefore = range.from.isValid() && end.isValid() && end < range.from;
+    const bool beginsBehind = range.until.isValid() && begin.isValid() && begin > range.until;
+    return !endsBefore && !beginsBehind;
+}
+
+/// A period with the date of its day, as one row of the periods' table.
+struct PeriodOfDay
+{
+    QDate date;
+    Period period;
+};
+
+QDateTime momentOf(QDate date, int minute)
+{
+    return QDateTime(date, QTime(0, 0), Qt::UTC).addSecs(60LL * minute);
+}
+
+} // namespace
+
+void limit(Report& report, const Range& range)
+{
+    report.range = range;
+    for (Application& application : report.applications) {
+        const auto isOutside = [&](const Day& day) { return !touches(range, day.date, day.date); };
+        application.days.erase(
+            std::remove_if(application.days.begin(), application.days.end(), isOutside),
+            application.days.end());
+        for (Table& table : application.tables) {
+            const auto at = [](const std::vector<Value>& row, int column) {
+                return column < 0 ? Value() : row.at(static_cast<std::size_t>(column));
+            };
+            const auto rowIsOutside = [&](const std::vector<Value>& row) {
+                return !touches(
+                    range, dateIn(at(row, table.begin), report.zone),
+                    dateIn(at(row, table.end), report.zone));
+            };
+            table.rows.erase(
+                std::remove_if(table.rows.begin(), table.rows.end(), rowIsOutside), table.rows.end());
+        }
+    }
+}
+
+Table dayTable(const Application& application)
+{
+    const Fields<Day> fields{
+        field<Day>("date", "Date", [](const Day& day) { return day.date.toString(Qt::ISODate); }),
+        field<Day>("driving_minutes", "Driving", [](const Day& day) { return Minutes{day.driving}; }),
+        field<Day>("work_minutes", "Work", [](const Day& day) { return Minutes{day.work}; }),
+        field<Day>(
+            "availability_minutes", "Availability", [](const Day& day) { return Minutes{day.availability}; }),
+        field<Day>("rest_minutes", "Rest", [](const Day& day) { return Minutes{day.rest}; }),
+        field<Day>("unknown_minutes", "Unknown", [](const Day& day) { return Minutes{day.unknown}; }),
+    };
+    return makeTable("days", "Days", application.days, fields, "", "");
+}
+
+Table periodTable(const Application& application)
+{
+    std::vector<PeriodOfDay> periods;
+    for (const Day& day : application.days) {
+        for (const Period& period : day.periods)
+            periods.push_back({day.date, period});
+    }
+    using Item = PeriodOfDay;
+    const Fields<Item> fields{
+        field<Item>("date", "Date", [](const Item& item) { return item.date.toString(Qt::ISODate); }),
+        field<Item>(
+            "begin", "Begin", [](const Item& item) { return momentOf(item.date, item.period.beginMinute); }),
+        field<Item>(
+            "end", "End",
+            [](const Item& item) {
+                return item.period.hasEnd ? momentOf(item.date, item.period.endMinute) : QDateTime();
+            }),
+        field<Item>(
+            "duration_minutes", "Duration",
+            [](const Item& item) {
+                const int minutes = item.period.endMinute - item.period.beginMinute;
+                return item.period.hasEnd ? std::optional<Minutes>(Minutes{minutes}) : std::nullopt;
+            }),
+        field<Item>("activity", "Activity", [](const Item& item) { return item.period.activity; }),
+        field<Item>("slot", "Slot", [](const Item& item) { return item.period.slot; }),
+        field<Item>(
+            "driving_status", "Driving status", [](const Item& item) { return item.period.drivingStatus; }),
+        field<Item>("card_status", "Card", [](const Item& item) { return item.period.cardStatus; }),
+    };
+    return makeTable("periods", "Periods", periods, fields, "begin", "end");
+}
+
+} // namespace report

@@ -1,0 +1,108 @@
+#pragma once
+
+#include "Table.h"
+
+#include <aux/Error.h>
+
+#include <QByteArray>
+#include <QDate>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+#include <vector>
+
+// All that a download says, before it becomes text, JSON, CSV or HTML.
+
+namespace report {
+
+/// What the holder did from one minute of a day to the next change.
+struct Period
+{
+    int beginMinute = 0; ///< of the day, UTC
+    int endMinute = 0;   ///< of the last period of a day the day's end, for the card does not know another
+    bool hasEnd = true;  ///< false for the last period: it does not count in the day's sums
+    Code activity;       ///< 0 rest, 1 availability, 2 work, 3 driving
+    Code slot;           ///< 0 driver, 1 co-driver
+    Code drivingStatus;  ///< single or crew; without a card in the slot unknown or known
+    Code cardStatus;     ///< 0 inserted, 1 not inserted
+};
+
+/// One day of the card's calendar (UTC); sums in minutes.
+struct Day
+{
+    QDate date;
+    int driving = 0;
+    int work = 0;
+    int availability = 0;
+    int rest = 0;
+    int unknown = 0;
+    std::vector<Period> periods;
+};
+
+constexpr int minutesOfDay = 24 * 60;
+
+/// One application of the card with all that it keeps.
+struct Application
+{
+    QString name; ///< "TACHO" or "SMRDT"
+    int generation = 1;
+    std::vector<FactGroup> groups;
+    bool hasDays = false; ///< a driver card's application
+    std::vector<Day> days;
+    std::vector<Table> tables;
+};
+
+/// Remaining times by the end of a day; of driver cards.
+struct Figures
+{
+    QDate date;
+    std::vector<Fact> facts;
+    std::vector<QString> rules; ///< as many as facts: the rule that each follows
+};
+
+/// Why not everything could be shown.
+struct Damage
+{
+    QString message; ///< one sentence
+    QString ef;      ///< the EF that is missing or short; empty when it is not known
+    aux::Error failure;
+};
+
+/// The days that were asked for, in the zone of the report; null where there is no limit.
+struct Range
+{
+    QDate from;
+    QDate until; ///< the last day
+};
+
+struct Report
+{
+    QString path;
+    qint64 size = 0; ///< bytes
+    QString sha256;
+    int records = 0;
+    int signatures = 0;
+    bool isCut = false;
+
+    FactGroup card; ///< type, generation, chip
+    std::vector<Application> applications;
+    std::optional<Figures> figures;
+    QStringList missing; ///< EFs that are not in the file, or too short
+    std::optional<Damage> damage;
+
+    Range range;
+    Zone zone = Zone::Local;
+};
+
+/// What every page with figures says.
+extern const char* const noVerdict;
+
+/// Leaves only the days and rows that touch @p range; what has no time stays.
+void limit(Report& report, const Range& range);
+
+/// The days as a table, one row a day, and their periods, one row a period.
+Table dayTable(const Application& application);
+Table periodTable(const Application& application);
+
+} // namespace report
