@@ -198,6 +198,7 @@ TEST(BadInputTest, ExplainsEachCommand)
         {{"records", "--help"}, "Usage: scard records [options] FILE\n"},
         {{"doctor", "--help"}, "Usage: scard doctor [options]\n"},
         {{"download", "--help"}, "Usage: scard download [options]\n"},
+        {{"watch", "--help"}, "Usage: scard watch [options]\n"},
     };
     for (const auto& row : rows) {
         const Outcome outcome = run(row.arguments);
