@@ -6,6 +6,7 @@
 
 #include <QFile>
 #include <QJsonDocument>
+#include <QSaveFile>
 
 #include <algorithm>
 
@@ -19,6 +20,7 @@ struct Wishes
     QStringList files;
     bool asJson = false;
     QString csvTable;
+    QString htmlPath;
     report::Range range;
     report::Zone zone = report::Zone::Local;
 };
@@ -29,6 +31,9 @@ void describe(Arguments& options)
     options.addValue(
         QStringLiteral("csv"), QStringLiteral("table"),
         QStringLiteral("One table as CSV: %1.").arg(report::csvTables().join(QStringLiteral(", "))));
+    options.addValue(
+        QStringLiteral("html"), QStringLiteral("OUT"),
+        QStringLiteral("As a page for a browser or a printer, into the file OUT; - is standard output."));
     options.addValue(
         QStringLiteral("from"), QStringLiteral("date"),
         QStringLiteral("Leave out what was before (2024-03-05)."));
@@ -57,16 +62,20 @@ std::optional<ExitCode> takeWishes(const Arguments& options, Wishes& wishes)
     wishes.files = options.positional();
     wishes.asJson = options.isSet(QStringLiteral("json"));
     wishes.csvTable = options.value(QStringLiteral("csv"));
+    wishes.htmlPath = options.value(QStringLiteral("html"));
     if (options.isSet(QStringLiteral("utc")))
         wishes.zone = report::Zone::Utc;
     if (wishes.files.isEmpty())
         return options.usageError(QStringLiteral("no file given."));
-    const int formats = int(wishes.asJson) + int(options.isSet(QStringLiteral("csv")));
+    const int formats = int(wishes.asJson) + int(options.isSet(QStringLiteral("csv"))) +
+                        int(options.isSet(QStringLiteral("html")));
     if (formats > 1)
-        return options.usageError(QStringLiteral("--json and --csv exclude each other."));
+        return options.usageError(QStringLiteral("--json, --csv and --html exclude each other."));
     if (options.isSet(QStringLiteral("csv")) && !report::csvTables().contains(wishes.csvTable))
         return options.usageError(QStringLiteral("there is no table \"%1\"; %2.")
                                       .arg(wishes.csvTable, report::csvTables().join(QStringLiteral(", "))));
+    if (options.isSet(QStringLiteral("html")) && wishes.htmlPath.isEmpty())
+        return options.usageError(QStringLiteral("--html wants the name of a file."));
     for (const auto& [name, date] :
          {std::pair{"from", &wishes.range.from}, std::pair{"until", &wishes.range.until}}) {
         if (!takeDate(options, QString::fromLatin1(name), *date))
@@ -76,6 +85,28 @@ std::optional<ExitCode> takeWishes(const Arguments& options, Wishes& wishes)
     if (wishes.range.from.isValid() && wishes.range.until.isValid() && wishes.range.until < wishes.range.from)
         return options.usageError(QStringLiteral("--until is before --from."));
     return std::nullopt;
+}
+
+ExitCode writeHtmlFile(const std::vector<Report>& reports, const QString& path)
+{
+    if (path == QLatin1String("-")) {
+        out().setCodec("UTF-8");
+        report::writeHtml(out(), reports);
+        return exitDone;
+    }
+    QSaveFile file(path);
+    const auto failed = [&file, &path] {
+        err() << "scard: " << printable(path) << " could not be written: " << file.errorString() << '.'
+              << Qt::endl;
+        return exitNotWritten;
+    };
+    if (!file.open(QIODevice::WriteOnly))
+        return failed();
+    QTextStream stream(&file);
+    stream.setCodec("UTF-8");
+    report::writeHtml(stream, reports);
+    stream.flush();
+    return file.commit() ? exitDone : failed();
 }
 
 ExitCode write(const std::vector<Report>& reports, const Wishes& wishes)
@@ -92,6 +123,8 @@ ExitCode write(const std::vector<Report>& reports, const Wishes& wishes)
         err() << "scard: no card of this kind keeps the table " << wishes.csvTable << '.' << Qt::endl;
         return exitUsage;
     }
+    if (!wishes.htmlPath.isEmpty())
+        return reports.empty() ? exitDone : writeHtmlFile(reports, wishes.htmlPath);
     report::TextStyle style;
     style.columns = outputColumns();
     style.hasColours = outputHasColours();

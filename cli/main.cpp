@@ -23,7 +23,7 @@ constexpr Command commands[] = {
     {"doctor", runDoctor, "what is wrong when no card can be read"},
     {"download", runDownload, "the card in the first reader, into a file"},
     {"watch", runWatch, "each card that is put in, until it is stopped"},
-    {"show", runShow, "what is on a download: text, JSON, CSV"},
+    {"show", runShow, "what is on a download: text, JSON, CSV, HTML"},
     {"records", runRecords, "the records of a download file, also of a damaged one"},
 };
 

@@ -32,4 +32,7 @@ bool writeCsv(QTextStream& out, const std::vector<Report>& reports, const QStrin
 /// The keys of all tables that a card of any kind can have.
 QStringList csvTables();
 
+/// A page that needs nothing beside itself.
+void writeHtml(QTextStream& out, const std::vector<Report>& reports);
+
 } // namespace report

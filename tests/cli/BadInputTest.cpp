@@ -97,9 +97,13 @@ TEST(BadInputTest, NamesTheArgumentThatIsWrong)
         {{"show", "--json"}, "scard show: no file given.", "scard show"},
         {{"show", "--colour", card}, "scard show: Unknown option 'colour'.", "scard show"},
         {{"show", "--json", "--csv", "days", card},
-         "scard show: --json and --csv exclude each other.",
+         "scard show: --json, --csv and --html exclude each other.",
+         "scard show"},
+        {{"show", "--json", "--html", "-", card},
+         "scard show: --json, --csv and --html exclude each other.",
          "scard show"},
         {{"show", card, "--csv"}, "scard show: Missing value after '--csv'.", "scard show"},
+        {{"show", "--html", "", card}, "scard show: --html wants the name of a file.", "scard show"},
         {{"show", "--from", "2024-13-01", card},
          "scard show: \"2024-13-01\" is no date; 2024-03-05 is one.",
          "scard show"},
@@ -182,6 +186,17 @@ TEST(BadInputTest, EndsQuietlyWhenNobodyReadsOn)
         EXPECT_EQ(outcome.exitCode, 0);
         EXPECT_EQ(outcome.err, "");
     }
+}
+
+TEST(BadInputTest, SaysThatThePageCouldNotBeWritten)
+{
+    const Folder folder;
+    const QString card = folder.write("card.ddd", smallDownload("driver").file);
+    const QString page = folder.path("nowhere/page.html");
+    const Outcome outcome = run({"show", "--html", page, card});
+    EXPECT_EQ(outcome.exitCode, 5);
+    EXPECT_EQ(
+        outcome.err, "scard: " + page.toStdString() + " could not be written: No such file or directory.\n");
 }
 
 TEST(BadInputTest, ExplainsEachCommand)
