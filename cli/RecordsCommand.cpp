@@ -63,9 +63,15 @@ ExitCode runRecords(const QStringList& arguments)
     }
     const ImageFile file = imageFileOf(input.bytes);
     print(file);
-    if (!file.isCut())
+    const bool isDownload =
+        std::any_of(file.records.begin(), file.records.end(), [](const ImageRecord& record) {
+            return record.hasKnownType() && !record.efName().isEmpty();
+        });
+    if (isDownload && !file.isCut())
         return finishOutput(exitDone);
     out().flush();
-    err() << "scard: " << printable(path) << " is damaged: it ends inside a record." << Qt::endl;
+    err() << "scard: " << printable(path)
+          << (file.isCut() ? " is damaged: it ends inside a record." : " has no record of a tachograph card.")
+          << Qt::endl;
     return finishOutput(exitDamagedFile);
 }

@@ -5,6 +5,7 @@
 #include "report/Writers.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QSaveFile>
 
@@ -30,7 +31,8 @@ void describe(Arguments& options)
     options.addFlag(QStringLiteral("json"), QStringLiteral("As JSON, with everything that is known."));
     options.addValue(
         QStringLiteral("csv"), QStringLiteral("table"),
-        QStringLiteral("One table as CSV: %1.").arg(report::csvTables().join(QStringLiteral(", "))));
+        QStringLiteral("One table as CSV, with a row for each application of the card that says it: %1.")
+            .arg(report::csvTables().join(QStringLiteral(", "))));
     options.addValue(
         QStringLiteral("html"), QStringLiteral("OUT"),
         QStringLiteral("As a page for a browser or a printer, into the file OUT; - is standard output."));
@@ -87,12 +89,33 @@ std::optional<ExitCode> takeWishes(const Arguments& options, Wishes& wishes)
     return std::nullopt;
 }
 
+/// Why a page must not take the place of what stands at @p path; empty when it may. A slip of the hand must
+/// not cost a download.
+QString whyNoPage(const QString& path)
+{
+    const QFileInfo info(path);
+    if (!info.exists())
+        return QString();
+    if (!info.isFile())
+        return QStringLiteral("%1 is no ordinary file.").arg(path);
+    QFile file(path);
+    const QByteArray mark = QByteArrayLiteral("<!DOCTYPE html>");
+    if (info.size() > 0 && (!file.open(QIODevice::ReadOnly) || file.read(mark.size()) != mark))
+        return QStringLiteral("%1 exists and is no page; it is left as it is.").arg(path);
+    return QString();
+}
+
 ExitCode writeHtmlFile(const std::vector<Report>& reports, const QString& path)
 {
     if (path == QLatin1String("-")) {
         out().setCodec("UTF-8");
         report::writeHtml(out(), reports);
         return exitDone;
+    }
+    const QString reason = whyNoPage(path);
+    if (!reason.isEmpty()) {
+        err() << "scard: " << printable(reason) << "\nName another file for the page." << Qt::endl;
+        return exitNotWritten;
     }
     QSaveFile file(path);
     const auto failed = [&file, &path] {

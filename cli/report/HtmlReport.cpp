@@ -104,6 +104,8 @@ class HtmlWriter
             writeDays();
         if (m_report.figures)
             writeFigures(*m_report.figures);
+        else if (!m_merged.days.empty())
+            note(QString::fromLatin1(noFigures));
         for (std::size_t i = 0; i < m_merged.tables.size(); ++i) {
             if (!m_merged.tables[i].rows.empty())
                 writeTable(m_merged.tables[i], tableId(i));
@@ -113,11 +115,6 @@ class HtmlWriter
     }
 
   private:
-    QString zoneName() const
-    {
-        return m_report.zone == Zone::Utc ? QStringLiteral("UTC") : QStringLiteral("local time");
-    }
-
     QString kind() const { return factText(m_report.card, "type"); }
 
     QString holder() const
@@ -180,22 +177,20 @@ class HtmlWriter
 
     void writeWarning()
     {
-        const QString missing = QStringLiteral("Not in the file, or too short: ") +
-                                m_report.missing.join(QStringLiteral(", ")) + QLatin1Char('.');
+        const QString missing = missingText(m_report);
         if (m_report.damage) {
             m_out
                 << "<div class=\"warn\" role=\"note\">\n<p><strong>This file is damaged; what could be read "
                    "is shown.</strong></p>\n<p>"
                 << htmlText(m_report.damage->message) << "</p>\n";
-            if (!m_report.missing.isEmpty())
+            if (!missing.isEmpty())
                 m_out << "<p>" << htmlText(missing) << "</p>\n";
             m_out << "</div>\n";
-        } else if (!m_report.missing.isEmpty()) {
+        } else if (!missing.isEmpty()) {
             note(missing);
         }
         if (m_report.applications.empty())
-            note(QStringLiteral("What cards of this kind keep is not read; scard records FILE lists the "
-                                "file's records."));
+            note(QString::fromLatin1(notRead));
     }
 
     /// What the file is, what of it is shown, and in which zone.
@@ -208,11 +203,7 @@ class HtmlWriter
                 {{QString(), QString::fromLatin1(title), Kind::Text, Weight::Main}, Value(text)});
         };
         fact("File", m_report.path);
-        fact(
-            "Size", QStringLiteral("%1 bytes, %2 records, %3 signatures")
-                        .arg(m_report.size)
-                        .arg(m_report.records)
-                        .arg(m_report.signatures));
+        fact("Size", sizeText(m_report));
         fact("SHA-256", m_report.sha256);
         fact("Shown", rangeText());
         fact("Times", timesText());
@@ -236,7 +227,7 @@ class HtmlWriter
         if (m_report.zone == Zone::Utc)
             return QStringLiteral("UTC");
         const QString zone = QString::fromLatin1(QTimeZone::systemTimeZoneId());
-        return zoneName() + (zone.isEmpty() ? QString() : QStringLiteral(" of ") + zone) +
+        return zoneName(m_report.zone) + (zone.isEmpty() ? QString() : QStringLiteral(" of ") + zone) +
                (m_merged.hasDays ? QStringLiteral("; days are those of UTC") : QString());
     }
 
@@ -306,7 +297,7 @@ class HtmlWriter
         heading(
             id, table.title,
             counted(table.rows.size(), QStringLiteral("entry"), QStringLiteral("entries")) +
-                QStringLiteral(", ") + zoneName());
+                QStringLiteral(", ") + zoneName(m_report.zone));
         QString titles;
         QStringList classes;
         int shown = 0;

@@ -217,7 +217,9 @@ ReadResult readReport(const QString& path, const Range& range, Zone zone)
         return failed(input.code, input.message, input.advice);
     const ImageFile file = imageFileOf(input.bytes);
 
+    LibraryLog::restart();
     const Identified identified = identify(path, file);
+    const QStringList notIdentifying = LibraryLog::unreadableEfs();
     if (!identified.failure.isEmpty()) {
         const QString cut = cutText(file);
         return failed(
@@ -239,7 +241,11 @@ ReadResult readReport(const QString& path, const Range& range, Zone zone)
     auto* driver = dynamic_cast<scard::SCardDriverG1*>(card.get());
     if (driver && lastDay(report).isValid())
         report.figures = figuresOf(*driver, lastDay(report));
-    report.missing = reading.missing;
+    for (const QString& ef : notIdentifying) {
+        if (!reading.missing.contains(ef))
+            report.missing << ef;
+    }
+    report.missing << reading.missing;
     report.damage = damageOf(path, file, reading, identified.firstOnly);
     if (report.damage) {
         result.code = exitDamagedFile;

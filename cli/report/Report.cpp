@@ -10,6 +10,12 @@ const char* const noVerdict =
     "These are simple remaining times by the rule beside each, reckoned from what is on the "
     "card; they are no legal verdict.";
 
+const char* const noFigures =
+    "Remaining times cannot be reckoned: the days of the first application are not in the file.";
+
+const char* const notRead =
+    "What cards of this kind keep is not read; scard records FILE lists the file's records.";
+
 namespace {
 
 QDate dateIn(const Value& value, Zone zone)
@@ -41,6 +47,27 @@ QDateTime momentOf(QDate date, int minute)
 }
 
 } // namespace
+
+QString missingText(const Report& report)
+{
+    if (report.missing.isEmpty())
+        return QString();
+    return QStringLiteral("Not in the file, or too short: %1.")
+        .arg(report.missing.join(QStringLiteral(", ")));
+}
+
+QString zoneName(Zone zone)
+{
+    return zone == Zone::Utc ? QStringLiteral("UTC") : QStringLiteral("local time");
+}
+
+QString sizeText(const Report& report)
+{
+    return QStringLiteral("%1 bytes, %2 records, %3 signatures")
+        .arg(report.size)
+        .arg(report.records)
+        .arg(report.signatures);
+}
 
 void limit(Report& report, const Range& range)
 {

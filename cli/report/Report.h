@@ -95,8 +95,25 @@ struct Report
     Zone zone = Zone::Local;
 };
 
-/// What every page with figures says.
+// Sentences of the views for people.
+
+/// Stands below the figures.
 extern const char* const noVerdict;
+
+/// Stands in place of the figures.
+extern const char* const noFigures;
+
+/// Stands in place of all lists.
+extern const char* const notRead;
+
+/// Names the EFs that are missing; empty when none is.
+QString missingText(const Report& report);
+
+/// "local time" or "UTC".
+QString zoneName(Zone zone);
+
+/// How large the file is and what is in it.
+QString sizeText(const Report& report);
 
 /// Leaves only the days and rows that touch @p range; what has no time stays.
 void limit(Report& report, const Range& range);

@@ -4,6 +4,8 @@
 #include "Merged.h"
 #include "Writers.h"
 
+#include <QRegularExpression>
+
 #include <algorithm>
 
 namespace report {
@@ -45,23 +47,17 @@ class TextWriter
             writeDays();
         if (m_report.figures)
             writeFigures(*m_report.figures);
+        else if (!m_merged.days.empty())
+            writeNote(QString::fromLatin1(noFigures));
         for (const Table& table : m_merged.tables)
             writeTable(table);
         if (m_report.applications.empty())
-            m_out << "\nWhat cards of this kind keep is not read; scard records FILE lists the file's "
-                     "records.\n";
+            writeNote(QString::fromLatin1(notRead));
         if (!m_report.missing.isEmpty())
-            writeWrapped(
-                QStringLiteral("\nNot in the file, or too short: ") +
-                m_report.missing.join(QStringLiteral(", ")) + QLatin1Char('.'));
+            writeNote(missingText(m_report));
     }
 
   private:
-    QString zoneName() const
-    {
-        return m_report.zone == Zone::Utc ? QStringLiteral("UTC") : QStringLiteral("local time");
-    }
-
     void heading(const QString& title)
     {
         m_out << '\n';
@@ -71,21 +67,40 @@ class TextWriter
             m_out << title << '\n';
     }
 
-    /// Breaks a text into lines at its blanks, the first behind @p indent, the others behind @p further.
+    /// Columns that a text takes: those of its colours are none.
+    static int width(QString text)
+    {
+        static const QRegularExpression colours(QStringLiteral("\x1b\\[[0-9;]*m"));
+        return text.remove(colours).size();
+    }
+
+    /// Breaks a text into lines at its blanks, the first behind @p indent, the others behind @p further. A
+    /// word that is longer than a line, a checksum, is broken too.
     void writeWrapped(const QString& text, const QString& indent = {}, const QString& further = {})
     {
         QString line = indent;
         bool isBegun = false;
-        for (const QString& word : text.split(QLatin1Char(' '))) {
-            if (isBegun && line.size() + 1 + word.size() > m_style.columns) {
+        for (QString word : text.split(QLatin1Char(' '))) {
+            if (isBegun && width(line) + 1 + width(word) > m_style.columns) {
                 m_out << line << '\n';
                 line = further;
                 isBegun = false;
+            }
+            for (int room = m_style.columns - width(line); !isBegun && room > 0 && width(word) > room;) {
+                m_out << line << word.left(room) << '\n';
+                word = word.mid(room);
+                line = further;
             }
             line += (isBegun ? QStringLiteral(" ") : QString()) + word;
             isBegun = true;
         }
         m_out << line << '\n';
+    }
+
+    void writeNote(const QString& text)
+    {
+        m_out << '\n';
+        writeWrapped(text);
     }
 
     FactGroup fileGroup() const
@@ -96,11 +111,7 @@ class TextWriter
             group.facts.push_back(
                 {{QString(), QString::fromLatin1(title), Kind::Text, Weight::Main}, Value(text)});
         };
-        fact(
-            "File", QStringLiteral("%1 bytes, %2 records, %3 signatures")
-                        .arg(m_report.size)
-                        .arg(m_report.records)
-                        .arg(m_report.signatures));
+        fact("File", sizeText(m_report));
         fact("SHA-256", m_report.sha256);
         return group;
     }
@@ -109,19 +120,21 @@ class TextWriter
     {
         constexpr int indent = 2;
         heading(printable(group.title));
-        int width = 0;
+        int longest = 0;
         for (const Fact& fact : group.facts)
-            width = std::max(width, fact.column.title.size());
+            longest = std::max(longest, fact.column.title.size());
         for (const Fact& fact : group.facts) {
             if (isEmpty(fact.value))
                 continue;
             const QString text = printable(textOf(fact.value, m_report.zone));
-            const QString title = fact.column.title.leftJustified(width);
+            const QString title = fact.column.title.leftJustified(longest);
             // On a narrow terminal a long text stands on a line of its own.
-            const bool fits = indent + width + 2 + text.size() <= m_style.columns;
-            m_out << "  "
-                  << (fits ? title + QStringLiteral("  ") : title.trimmed() + QStringLiteral("\n    "))
-                  << text << '\n';
+            if (indent + longest + 2 + text.size() <= m_style.columns) {
+                m_out << "  " << title << "  " << text << '\n';
+                continue;
+            }
+            m_out << "  " << title.trimmed() << '\n';
+            writeWrapped(text, QStringLiteral("    "), QStringLiteral("    "));
         }
     }
 
@@ -194,7 +207,7 @@ class TextWriter
         heading(QStringLiteral("Days (00:00 to 24:00 UTC): %1").arg(m_merged.days.size()));
         if (m_merged.days.empty())
             return;
-        m_out << "  " << legend() << '\n';
+        writeWrapped(legend(), QStringLiteral("  "), QStringLiteral("  "));
         const QString sums =
             QStringLiteral("  drive   work  avail   rest  unkn.").rightJustified(sumCount * sumWidth);
         m_out << QString(dateWidth + 1, QLatin1Char(' ')) << hours();
@@ -239,7 +252,8 @@ class TextWriter
 
     void writeTable(const Table& table)
     {
-        heading(QStringLiteral("%1 (%2): %3").arg(table.title, zoneName()).arg(table.rows.size()));
+        heading(
+            QStringLiteral("%1 (%2): %3").arg(table.title, zoneName(m_report.zone)).arg(table.rows.size()));
         if (table.rows.empty())
             return;
         std::vector<std::size_t> shown;

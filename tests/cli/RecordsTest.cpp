@@ -83,6 +83,16 @@ TEST(RecordsTest, SaysWhereAFileIsCut)
     }
 }
 
+TEST(RecordsTest, SaysThatAFileHasNoRecordOfACard)
+{
+    const Folder folder;
+    const QString path = folder.write("zeros.ddd", QByteArray(20, '\0'));
+    const Outcome outcome = run({"records", path});
+    EXPECT_EQ(outcome.exitCode, 7);
+    EXPECT_THAT(outcome.out, HasSubstr("4 records, 0 signatures, 20 bytes, 0 behind the last record\n"));
+    EXPECT_EQ(outcome.err, "scard: " + path.toStdString() + " has no record of a tachograph card.\n");
+}
+
 TEST(RecordsTest, ListsEveryRecordOfEveryKindOfCardByName)
 {
     const Folder folder;

@@ -9,6 +9,8 @@
 
 #include <gmock/gmock.h>
 
+#include <sys/stat.h>
+
 namespace {
 
 using namespace test;
@@ -141,6 +143,39 @@ TEST(ShowHtmlTest, IsTheSameOnStandardOutput)
     const Outcome outcome = run({"show", "--html", "-", path}, {{"LC_ALL", "C"}});
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.out, content(page)) << "UTF-8 whatever the locale says";
+}
+
+TEST(ShowHtmlTest, TakesThePlaceOfAPageOnly)
+{
+    const Folder folder;
+    const QByteArray download = smallDownload("driver").file;
+    const QString card = folder.write("card.ddd", download);
+    const QString letter = folder.write("letter.txt", "Dear Jana,");
+    const QString pipe = folder.path("pipe");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    const struct
+    {
+        QString page;
+        const char* reason;
+    } rows[] = {
+        {card, " exists and is no page; it is left as it is."},
+        {letter, " exists and is no page; it is left as it is."},
+        {pipe, " is no ordinary file."},
+        {folder.path(""), " is no ordinary file."},
+    };
+    for (const auto& row : rows) {
+        const Outcome outcome = run({"show", "--html", row.page, card});
+        EXPECT_EQ(outcome.exitCode, 5);
+        EXPECT_EQ(
+            outcome.err,
+            "scard: " + row.page.toStdString() + row.reason + "\nName another file for the page.\n");
+    }
+    EXPECT_EQ(content(card), download.toStdString());
+    EXPECT_EQ(content(letter), "Dear Jana,");
+
+    const QString page = folder.write("page.html", "");
+    EXPECT_EQ(run({"show", "--html", page, card}).exitCode, 0) << "an empty file";
+    EXPECT_EQ(run({"show", "--html", page, card, card}).exitCode, 0) << "an older page";
 }
 
 TEST(ShowHtmlTest, LeavesThePageAsItWasWhenThereIsNothingToShow)

@@ -347,7 +347,21 @@ TEST(ShowTextTest, SaysThatOtherKindsOfCardsAreNotRead)
     EXPECT_THAT(
         outcome.out,
         HasSubstr(
-            "\nWhat cards of this kind keep is not read; scard records FILE lists the file's records.\n"));
+            "\nWhat cards of this kind keep is not read; scard records FILE lists the file's\nrecords.\n"));
+}
+
+TEST(ShowTextTest, SaysWhyThereAreNoFigures)
+{
+    const Folder folder;
+    const QByteArray file =
+        without(smallDownload("driverV2").file, [](const FileRecord& record) { return record.type < 2; });
+    const Outcome outcome = run({"show", folder.write("card.ddd", file)});
+    EXPECT_THAT(outcome.out, HasSubstr("Days (00:00 to 24:00 UTC): "));
+    EXPECT_THAT(outcome.out, testing::Not(HasSubstr("Remaining times by")));
+    EXPECT_THAT(
+        outcome.out,
+        HasSubstr("\nRemaining times cannot be reckoned: the days of the first application are not in\n"
+                  "the file.\n"));
 }
 
 } // namespace
