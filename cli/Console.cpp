@@ -47,13 +47,12 @@ QTextStream& err()
     return stream;
 }
 
-QString printable(QString text)
+QString printable(const QString& text)
 {
-    for (QChar& letter : text) {
-        if (!letter.isPrint())
-            letter = QLatin1Char('?');
-    }
-    return text;
+    QString result;
+    for (const uint letter : text.toUcs4())
+        result += QChar::isPrint(letter) ? QString::fromUcs4(&letter, 1) : QStringLiteral("?");
+    return result;
 }
 
 void printChain(const aux::Error& failure)

@@ -13,7 +13,7 @@ QTextStream& out();
 QTextStream& err();
 
 /// What a card holds, without what would steer the terminal.
-QString printable(QString text);
+QString printable(const QString& text);
 
 /// Prints the failure entry by entry on standard error, when --verbose was given.
 void printChain(const aux::Error& failure);

@@ -38,6 +38,10 @@ ExitCode runWatch(const QStringList& arguments)
     if (const std::optional<ExitCode> end = DownloadArguments::read(given, options.download, options.style))
         return *end;
 
+    // Nobody is there to give another name: a download of the same minute gets a number.
+    if (options.download.existing == FinishedFile::Existing::Refused)
+        options.download.existing = FinishedFile::Existing::Kept;
+
     StopSignal::install();
     CardWatch(options).run();
     return finishOutput(exitDone);

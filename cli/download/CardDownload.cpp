@@ -3,8 +3,8 @@
 #include "../Console.h"
 #include "../ImageFile.h"
 #include "../LibraryLog.h"
+#include "../reader/ReaderSurvey.h"
 #include "../StopSignal.h"
-#include "FinishedFile.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -92,6 +92,10 @@ void CardDownload::noteType(scard::SCardMeta::Type type)
 
 aux::Error CardDownload::read(scard::SCardReader& reader)
 {
+    // A card that was read before would not give EF_ICC and EF_IC any more.
+    const ReaderSurvey survey = lookAtReaders();
+    if (!survey.readers.empty())
+        resetCard(survey.readers.front());
     aux::Error failure = reader.open();
     if (!failure.isEmpty())
         return failure;
@@ -131,8 +135,16 @@ void CardDownload::finish(const QString& source)
         bring(source);
 
     QFile file(m_result.file->path);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
+        m_result.code = exitNotWritten;
+        m_result.failure = ownFailure(
+            exitNotWritten,
+            QStringLiteral("The finished file %1 cannot be read: %2.")
+                .arg(file.fileName(), file.errorString()),
+            QStringLiteral("Another program may have taken it away; download the card again."));
+        m_result.file.reset();
         return;
+    }
     const ImageFile image = imageFileOf(file.readAll());
     m_result.file->size = image.bytes.size();
     m_result.file->sha256 = image.sha256();
@@ -159,13 +171,12 @@ void CardDownload::identifyFromFile(const QString& path)
 
 void CardDownload::bring(const QString& source)
 {
-    using FinishedFile::Existing;
     QString name = QFileInfo(source).fileName();
-    Existing existing = m_options.replaces ? Existing::Replaced : Existing::Refused;
+    FinishedFile::Existing existing = m_options.existing;
     if (FinishedFile::isNameless(name)) {
         const QString serial = m_result.card ? m_result.card->chipSerialText() : QString();
         name = FinishedFile::nameFor(m_result.downloadedAt, serial, m_options.region);
-        existing = Existing::Kept;
+        existing = FinishedFile::Existing::Kept;
     }
     const FinishedFile::Placed placed = FinishedFile::place(source, m_options.folder, name, existing);
     m_result.file = StoredImage{placed.path, 0, {}, 0};

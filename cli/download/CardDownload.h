@@ -2,6 +2,7 @@
 
 #include "../reader/CardFailure.h"
 #include "../reader/CardIdentity.h"
+#include "FinishedFile.h"
 #include "ProgressDisplay.h"
 #include "WrittenFile.h"
 
@@ -19,7 +20,7 @@ struct DownloadOptions
 {
     scard::FilenameRegion region = scard::RegionDDD;
     QString folder; ///< where finished downloads go; empty: they stay in "/tmp/"
-    bool replaces = false;
+    FinishedFile::Existing existing = FinishedFile::Existing::Refused;
 };
 
 /// The finished file.
@@ -50,8 +51,7 @@ class CardDownload
   public:
     /// @param cardLine what stands in front of the line that names the card
     /// @param stopped called, the display ended and the reader released, when the program was asked to end
-    /// while
-    ///        nothing was written yet; does not come back
+    ///        while nothing was written yet; does not come back
     CardDownload(
         DownloadOptions options, ProgressDisplay& display, QString cardLine, std::function<void()> stopped);
 

@@ -102,7 +102,8 @@ std::optional<ExitCode> read(const Arguments& arguments, DownloadOptions& option
     const QStringList beside = arguments.positional();
     if (!beside.isEmpty())
         return arguments.usageError(QStringLiteral("unexpected argument \"%1\".").arg(beside.front()));
-    options.replaces = arguments.isSet(QStringLiteral("force"));
+    if (arguments.isSet(QStringLiteral("force")))
+        options.existing = FinishedFile::Existing::Replaced;
     std::optional<ExitCode> end = readRegion(arguments, options.region);
     if (!end)
         end = readStyle(arguments, style);

@@ -9,7 +9,7 @@ namespace DownloadArguments {
 
 void add(Arguments& arguments);
 
-/// True when @p name was taken by add() and says something of a download only.
+/// True when an option was given that says something of a download only.
 bool anyGiven(const Arguments& arguments);
 
 /// What the options say, into @p options and @p style. @return how the program ends already: after a wrong

@@ -32,7 +32,7 @@ QString hiddenTemplate(const QString& folder)
 /// The rights that a new file gets here; a temporary one is for its owner alone.
 mode_t usualMode()
 {
-    constexpr mode_t plainFile = 0644;
+    constexpr mode_t plainFile = 0666;
     const mode_t mask = ::umask(0);
     ::umask(mask);
     return plainFile & ~mask;

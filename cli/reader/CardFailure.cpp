@@ -124,7 +124,7 @@ constexpr TextRow libraryRows[] = {
     {"init: No USB CCID reader found",
      {exitNoReader, "There is no card reader.", "Plug a reader in; \"scard doctor\" shows what is seen."}},
     {"ScDataTransfer: answer without status word",
-     {exitCardFailed, "The card gave no whole answer%1.",
+     {exitCardFailed, "The card stopped answering%1.",
       "Leave it in until the download is complete; clean its chip with a soft cloth, or try another "
       "reader."}},
     {"ScReadFile: Received data size does not match exptectation",
@@ -145,8 +145,8 @@ constexpr StatusRow statusRows[] = {
 };
 
 constexpr StampRow stampRows[] = {
-    {scard::SCardMeta::DriverCard, "The card still shows the date of the download before."},
-    {scard::SCardMeta::WorkshopCard, "The card still counts the calibrations since the download before."},
+    {scard::SCardMeta::DriverCard, "The card may still show the date of the download before."},
+    {scard::SCardMeta::WorkshopCard, "The card may still count the calibrations since the download before."},
 };
 
 constexpr const char* again =
@@ -170,7 +170,8 @@ bool endsWithStep(const aux::Error& chain, const char* step)
 const aux::ErrorData& causeOf(const aux::Error& chain)
 {
     const auto cause = std::find_if(chain.begin(), chain.end(), [](const aux::ErrorData& entry) {
-        return !entry.getMessage().contains(QLatin1String("updateLastCardDownload()")) &&
+        return !entry.getMessage().contains(QLatin1String("calcDataToRead")) &&
+               !entry.getMessage().contains(QLatin1String("updateLastCardDownload()")) &&
                !entry.getMessage().contains(QLatin1String("Select DF_Tachograph failed"));
     });
     return cause == chain.end() ? *chain.begin() : *cause;

@@ -36,6 +36,41 @@ class Context
     LONG m_code;
 };
 
+/// A connection to the card in a reader, for as long as the card is asked. Behind it the card is as one that
+/// was just put in: EF_ICC and EF_IC are found only from its master file. One that another program uses is
+/// left alone.
+class Connection
+{
+  public:
+    Connection(const Context& context, const ReaderSeen& reader)
+        : m_failure(context.failure()), m_afterwards(reader.isInUse() ? SCARD_LEAVE_CARD : SCARD_RESET_CARD)
+    {
+        if (!m_failure.isEmpty())
+            return;
+        DWORD protocol = 0;
+        const LONG code = SCardConnect(
+            context.handle(), reader.name.constData(), SCARD_SHARE_SHARED,
+            SCARD_PROTOCOL_T0 | SCARD_PROTOCOL_T1, &m_card, &protocol);
+        if (code != SCARD_S_SUCCESS)
+            m_failure = pcscFailure(QStringLiteral("open: SCardConnect() Failed"), code);
+    }
+    ~Connection()
+    {
+        if (m_failure.isEmpty())
+            SCardDisconnect(m_card, m_afterwards);
+    }
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    SCARDHANDLE card() const { return m_card; }
+    const aux::Error& failure() const { return m_failure; }
+
+  private:
+    SCARDHANDLE m_card = 0;
+    aux::Error m_failure;
+    DWORD m_afterwards;
+};
+
 aux::Error listReaders(const Context& context, std::vector<ReaderSeen>& readers)
 {
     char* names = nullptr;
@@ -139,23 +174,21 @@ IdentifiedCard identifyCard(const ReaderSeen& reader)
 {
     IdentifiedCard identified;
     const Context context;
-    identified.failure = context.failure();
+    const Connection connection(context, reader);
+    identified.failure = connection.failure();
     if (!identified.failure.isEmpty())
         return identified;
-    SCARDHANDLE card = 0;
-    DWORD protocol = 0;
-    const LONG code = SCardConnect(
-        context.handle(), reader.name.constData(), SCARD_SHARE_SHARED, SCARD_PROTOCOL_T0 | SCARD_PROTOCOL_T1,
-        &card, &protocol);
-    if (code != SCARD_S_SUCCESS) {
-        identified.failure = pcscFailure(QStringLiteral("open: SCardConnect() Failed"), code);
-        return identified;
-    }
-    scard::SCardGeneric asked(card, QDateTime::currentDateTimeUtc(), scard::RegionDDD);
+    scard::SCardGeneric asked(connection.card(), QDateTime::currentDateTimeUtc(), scard::RegionDDD);
     identified.failure = asked.readCardInfo();
     if (identified.failure.isEmpty())
         identified.card = identityOf(asked);
-    // A download that follows finds EF_ICC and EF_IC only from the card's master file.
-    SCardDisconnect(card, reader.isInUse() ? SCARD_LEAVE_CARD : SCARD_RESET_CARD);
     return identified;
+}
+
+void resetCard(const ReaderSeen& reader)
+{
+    if (!reader.hasCard() || reader.isInUse())
+        return;
+    const Context context;
+    const Connection connection(context, reader);
 }

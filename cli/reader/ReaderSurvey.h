@@ -55,3 +55,6 @@ struct IdentifiedCard
 /// Asks the card in @p reader what it is, and leaves it as a card that was just put in; but for a card that
 /// another program uses.
 IdentifiedCard identifyCard(const ReaderSeen& reader);
+
+/// Makes the card in @p reader as one that was just put in; but for a card that another program uses.
+void resetCard(const ReaderSeen& reader);

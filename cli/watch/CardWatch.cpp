@@ -36,7 +36,7 @@ void CardWatch::run()
 {
     while (!StopSignal::requested()) {
         const ReaderSurvey survey = m_wait ? m_wait->survey() : lookAtReaders();
-        if (!hasReader(survey))
+        if (!ensureReader(survey))
             continue;
         lookAtCard(survey.readers.front());
         dropLostOutput();
@@ -46,7 +46,7 @@ void CardWatch::run()
 }
 
 /// Sees to it that there is a reader object that knows the readers of @p survey.
-bool CardWatch::hasReader(const ReaderSurvey& survey)
+bool CardWatch::ensureReader(const ReaderSurvey& survey)
 {
     if (!survey.failure.isEmpty()) {
         waitForReader(survey.failure);

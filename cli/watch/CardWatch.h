@@ -46,7 +46,7 @@ class CardWatch
         }
     };
 
-    bool hasReader(const ReaderSurvey& survey);
+    bool ensureReader(const ReaderSurvey& survey);
     void waitForReader(const aux::Error& failure);
     void takeReader(const ReaderSurvey& survey);
     void releaseReader();

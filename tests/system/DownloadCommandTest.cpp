@@ -202,6 +202,21 @@ TEST_F(DownloadCommandTest, SaysWhatACardOfTwoApplicationsDidNotGive)
     EXPECT_EQ(jsonOf(outcome)["unread_efs"].toArray().size(), 1);
 }
 
+TEST_F(DownloadCommandTest, ACardThatStaysInGivesEverythingOnceMore)
+{
+    insert(janasCard());
+    for (int i = 0; i < 2; ++i) {
+        const Outcome outcome = scardProgram({"download", "--quiet", "--force", "--to", folder()});
+        EXPECT_EQ(outcome.exitCode, 0);
+        EXPECT_EQ(outcome.err, "");
+        constexpr int chipLength = 43; // EF_ICC and EF_IC
+        const QByteArray image = fileContent(QString::fromStdString(outcome.out).trimmed());
+        ASSERT_EQ(image.size(), 26635);
+        const auto expected = expectedImage(janasCard());
+        EXPECT_TRUE(std::equal(expected.begin(), expected.begin() + chipLength, bytes(image).begin())) << i;
+    }
+}
+
 TEST_F(DownloadCommandTest, WhatACardCallsItsHolderCannotSteerTheTerminal)
 {
     sim::CardDescription card = janasCard();

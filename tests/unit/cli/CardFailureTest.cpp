@@ -119,7 +119,7 @@ TEST(CardFailure, SaysAtWhichEfTheCardWasLost)
         {{lib("ScDataTransfer: answer without status word"), lib("ScReadFile Failed "),
           lib("readFrom() ScReadFile() Failed: ID 506"), lib("Failed reading card data")},
          exitCardFailed,
-         "The card gave no whole answer while EF_Places was read."},
+         "The card stopped answering while EF_Places was read."},
         {{lib("ScReadFile: Received data size does not match exptectation"),
           lib("readFrom() ScReadFile() Failed: ID 506"), lib("Failed reading card data")},
          exitCardFailed,
@@ -243,11 +243,11 @@ TEST(CardFailure, SaysWhatItMeansThatTheCardCouldNotBeTold)
         "The download is complete, but the card could not be told of it: the card refused to "
         "change EF_Card_Download (status 6581).");
     EXPECT_THAT(
-        failure.advice.toStdString(), StartsWith("The card still shows the date of the download before."));
+        failure.advice.toStdString(), StartsWith("The card may still show the date of the download before."));
 
     driver.type = scard::SCardMeta::WorkshopCard;
     failure = cardFailureOf(failureOf(refused), driver);
-    EXPECT_THAT(failure.advice.toStdString(), StartsWith("The card still counts the calibrations"));
+    EXPECT_THAT(failure.advice.toStdString(), StartsWith("The card may still count the calibrations"));
 
     failure = cardFailureOf(
         failureOf(
