@@ -172,7 +172,7 @@ TEST_P(CutFileTest, ShowsAPartOfTheWholeAndSaysWhatIsMissing)
         report::readReport(folder.write("whole.ddd", download.file), {}, report::Zone::Utc);
     ASSERT_TRUE(wholeResult.report);
     ASSERT_EQ(wholeResult.code, exitDone);
-    for (const int length : lengthsOf(download.file, 29)) {
+    for (const int length : lengthsOf(download.file, 97)) {
         SCOPED_TRACE(length);
         const QString path = folder.write("cut.ddd", download.file.left(length));
         const report::ReadResult result = report::readReport(path, {}, report::Zone::Utc);
