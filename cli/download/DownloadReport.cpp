@@ -33,7 +33,7 @@ QJsonValue cardJson(const std::optional<CardIdentity>& card)
         return {};
     return QJsonObject{
         {"type", coded(static_cast<int>(card->type), cardTypeName(card->type))},
-        {"generation", card->secondGeneration ? coded(2, "second generation") : coded(1, "first generation")},
+        {"generation", coded(card->secondGeneration ? 2 : 1, generationName(card->secondGeneration, false))},
         {"version", card->version2 ? QJsonValue("2.2") : QJsonValue()},
         {"chip_serial_number", textOrNull(card->chipSerialText())},
     };

@@ -84,8 +84,7 @@ FactGroup cardFacts(scard::SCardGeneric& image)
         field<Chip>(
             "generation", "Generation",
             [](const Chip& c) {
-                return c.isSecondGeneration ? Code{2, QStringLiteral("second generation")}
-                                            : Code{1, QStringLiteral("first generation")};
+                return Code{c.isSecondGeneration ? 2 : 1, generationName(c.isSecondGeneration, false)};
             }),
         field<Chip>(
             "version", "Version",

@@ -12,6 +12,16 @@ constexpr std::chrono::seconds patience{10};
 
 } // namespace
 
+sim::CardDescription janasCard()
+{
+    sim::DriverParameters parameters;
+    parameters.surname = "Mustermann";
+    parameters.firstNames = "Jana";
+    parameters.driverIdentification = "DF000000123456";
+    parameters.language = "de";
+    return sim::makeDriverCardG1(parameters);
+}
+
 CardBehindPcscd::~CardBehindPcscd()
 {
     takeOut();

@@ -12,6 +12,9 @@
 
 namespace test {
 
+/// The first-generation card of a driver whose name and number the tests know.
+sim::CardDescription janasCard();
+
 /// A simulated card that can be put into the virtual reader of the pcscd beside this program.
 class CardBehindPcscd : public testing::Test
 {

@@ -32,16 +32,6 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
-sim::CardDescription janasCard()
-{
-    sim::DriverParameters parameters;
-    parameters.surname = "Mustermann";
-    parameters.firstNames = "Jana";
-    parameters.driverIdentification = "DF000000123456";
-    parameters.language = "de";
-    return sim::makeDriverCardG1(parameters);
-}
-
 QJsonObject jsonOf(const Outcome& outcome)
 {
     EXPECT_EQ(outcome.out.find('\n'), outcome.out.size() - 1) << outcome.out;

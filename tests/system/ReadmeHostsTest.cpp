@@ -1,8 +1,6 @@
 // The hosts of the README, word for word.
 #include "CardBehindPcscd.h"
 
-#include <simulator/DriverCard.h>
-
 #include <QFile>
 #include <QProcess>
 
@@ -12,16 +10,6 @@ namespace {
 
 using namespace test;
 using testing::HasSubstr;
-
-sim::CardDescription janasCard()
-{
-    sim::DriverParameters parameters;
-    parameters.surname = "Mustermann";
-    parameters.firstNames = "Jana";
-    parameters.driverIdentification = "DF000000123456";
-    parameters.language = "de";
-    return sim::makeDriverCardG1(parameters);
-}
 
 class ReadmeHostsTest : public CardBehindPcscd
 {};
