@@ -30,8 +30,3 @@ QString generationName(bool secondGeneration, bool version2)
         return QStringLiteral("first generation");
     return version2 ? QStringLiteral("second generation, version 2.2") : QStringLiteral("second generation");
 }
-
-QString generationName(const scard::SCardGeneric& card)
-{
-    return generationName(card.is2ndGeneneration(), card.is2_2Generation());
-}

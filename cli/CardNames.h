@@ -1,6 +1,6 @@
 #pragma once
 
-#include <scard/SCardGeneric.h>
+#include <scard/SCardMeta.h>
 
 #include <QString>
 
@@ -9,4 +9,3 @@ QString cardTypeName(scard::SCardMeta::Type type);
 
 /// "first generation", "second generation" or "second generation, version 2.2".
 QString generationName(bool secondGeneration, bool version2);
-QString generationName(const scard::SCardGeneric& card);
