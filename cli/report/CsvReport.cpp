@@ -39,8 +39,8 @@ std::vector<Table> tablesOf(const Application& application)
 {
     std::vector<Table> tables = application.tables;
     if (application.hasDays) {
-        tables.push_back(dayTable(application));
-        tables.push_back(periodTable(application));
+        tables.push_back(dayTable(application.days));
+        tables.push_back(periodTable(application.days));
     }
     return tables;
 }

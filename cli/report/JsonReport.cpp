@@ -31,15 +31,13 @@ QJsonObject factsJson(const std::vector<Fact>& facts, Zone zone)
 }
 
 /// Each day with its periods inside.
-QJsonArray daysJson(const Application& application, Zone zone)
+QJsonArray daysJson(const std::vector<Day>& days, Zone zone)
 {
-    const Table days = dayTable(application);
+    const Table table = dayTable(days);
     QJsonArray result;
-    for (std::size_t i = 0; i < application.days.size(); ++i) {
-        Application oneDay;
-        oneDay.days = {application.days[i]};
-        QJsonObject day = rowJson(days, days.rows[i], zone);
-        day.insert(QStringLiteral("periods"), tableJson(periodTable(oneDay), zone));
+    for (std::size_t i = 0; i < days.size(); ++i) {
+        QJsonObject day = rowJson(table, table.rows[i], zone);
+        day.insert(QStringLiteral("periods"), tableJson(periodTable({days[i]}), zone));
         result.append(day);
     }
     return result;
@@ -54,7 +52,7 @@ QJsonObject applicationJson(const Application& application, Zone zone)
         object.insert(
             group.key, group.facts.empty() ? QJsonValue() : QJsonValue(factsJson(group.facts, zone)));
     if (application.hasDays)
-        object.insert(QStringLiteral("days"), daysJson(application, zone));
+        object.insert(QStringLiteral("days"), daysJson(application.days, zone));
     for (const Table& table : application.tables)
         object.insert(table.key, tableJson(table, zone));
     return object;

@@ -92,7 +92,7 @@ void limit(Report& report, const Range& range)
     }
 }
 
-Table dayTable(const Application& application)
+Table dayTable(const std::vector<Day>& days)
 {
     const Fields<Day> fields{
         field<Day>("date", "Date", [](const Day& day) { return day.date.toString(Qt::ISODate); }),
@@ -103,13 +103,13 @@ Table dayTable(const Application& application)
         field<Day>("rest_minutes", "Rest", [](const Day& day) { return Minutes{day.rest}; }),
         field<Day>("unknown_minutes", "Unknown", [](const Day& day) { return Minutes{day.unknown}; }),
     };
-    return makeTable("days", "Days", application.days, fields, "", "");
+    return makeTable("days", "Days", days, fields, "", "");
 }
 
-Table periodTable(const Application& application)
+Table periodTable(const std::vector<Day>& days)
 {
     std::vector<PeriodOfDay> periods;
-    for (const Day& day : application.days) {
+    for (const Day& day : days) {
         for (const Period& period : day.periods)
             periods.push_back({day.date, period});
     }

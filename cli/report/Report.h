@@ -119,7 +119,7 @@ QString sizeText(const Report& report);
 void limit(Report& report, const Range& range);
 
 /// The days as a table, one row a day, and their periods, one row a period.
-Table dayTable(const Application& application);
-Table periodTable(const Application& application);
+Table dayTable(const std::vector<Day>& days);
+Table periodTable(const std::vector<Day>& days);
 
 } // namespace report

@@ -100,8 +100,8 @@ void expectPartOf(const Report& part, const Report& whole)
         ASSERT_EQ(some.tables.size(), all.tables.size());
         for (std::size_t j = 0; j < some.tables.size(); ++j)
             expectPartOf(some.tables[j], all.tables[j]);
-        expectPartOf(report::dayTable(some), report::dayTable(all));
-        expectPartOf(report::periodTable(some), report::periodTable(all));
+        expectPartOf(report::dayTable(some.days), report::dayTable(all.days));
+        expectPartOf(report::periodTable(some.days), report::periodTable(all.days));
     }
 }
 

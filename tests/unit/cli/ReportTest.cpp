@@ -122,9 +122,9 @@ TEST(ReportTest, MakesATableOfTheDaysAndOneOfTheirPeriods)
 
     const std::vector<std::vector<Value>> days{
         {QString("2024-03-05"), Minutes{60}, Minutes{1}, Minutes{2}, Minutes{3}, Minutes{4}}};
-    EXPECT_EQ(dayTable(application).rows, days);
+    EXPECT_EQ(dayTable(application.days).rows, days);
 
-    const Table periods = periodTable(application);
+    const Table periods = periodTable(application.days);
     ASSERT_EQ(periods.rows.size(), 2u);
     const auto text = [&periods](std::size_t row, std::size_t column) {
         return textOf(periods.rows[row][column], Zone::Utc).toStdString();
