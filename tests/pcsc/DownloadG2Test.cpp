@@ -224,8 +224,8 @@ TEST_F(DownloadG2Test, AFailureInTheFirstApplicationDoesNotStopTheSecond)
 {
     const std::vector<Step> steps = expectedStepsG2({});
     for (const unsigned int fid :
-         {0x0520, 0x0501, 0xC100, 0xC108, 0x050E, 0x0521, 0x0502, 0x0503, 0x0504, 0x0505, 0x0506, 0x0507,
-          0x0508, 0x0522}) {
+         {0x0520u, 0x0501u, 0xC100u, 0xC108u, 0x050Eu, 0x0521u, 0x0502u, 0x0503u, 0x0504u, 0x0505u, 0x0506u,
+          0x0507u, 0x0508u, 0x0522u}) {
         SCOPED_TRACE(fid);
         insert(driverCardG2());
         const auto failing = std::find_if(steps.begin(), steps.end(), [fid](const Step& step) {

@@ -155,7 +155,7 @@ sim::Bytes expectedCompanyImageG2(const sim::CardDescription& card, unsigned int
     ImageWriter image(1); // the second application's records have the first generation's type, too
     image.bytes = expectedCompanyImage(card, firstNotRead);
     image.chip(card);
-    for (const unsigned int fid : {0x0501, 0xC100, 0xC108, 0xC109, 0x0520, 0x050D})
+    for (const unsigned int fid : {0x0501u, 0xC100u, 0xC108u, 0xC109u, 0x0520u, 0x050Du})
         image.dataOnly(second, fid);
     if (hasFile(second, 0x0525))
         image.dataOnly(second, 0x0525);

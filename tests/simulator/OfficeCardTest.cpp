@@ -176,7 +176,7 @@ TEST(CompanyIdentification, hasTheFieldsOfTheRegulation)
 
     parameters = {};
     const Bytes invented = contentOf(makeCompanyCardG1(parameters), AidG1, 0x0520);
-    for (const std::size_t offset : {17, 65, 101}) {
+    for (const std::size_t offset : {17u, 65u, 101u}) {
         EXPECT_EQ(invented.at(offset), 1);
         EXPECT_NE(slice(invented, offset + 1, 35), Bytes(35, 0x20));
     }

@@ -428,7 +428,7 @@ TEST(WorkshopIdentification, isInventedWhereNothingIsAskedFor)
         parameters.nation = nation;
         parameters.codePage = nation == 0x17 ? 7 : 1;
         const Bytes identification = makeWorkshopContents(parameters).identification;
-        for (const std::size_t offset : {17, 65, 101, 137, 173}) {
+        for (const std::size_t offset : {17u, 65u, 101u, 137u, 173u}) {
             EXPECT_EQ(identification.at(offset), parameters.codePage);
             EXPECT_NE(slice(identification, offset + 1, 35), Bytes(35, 0x20));
         }

@@ -62,7 +62,7 @@ class SaveRefusal : public testing::Test
 
 using Cards = testing::Types<
     scard::SCardWorkshopG1, scard::SCardWorkshopG2, scard::SCardCompanyG1, scard::SCardCompanyG2>;
-TYPED_TEST_SUITE(SaveRefusal, Cards);
+TYPED_TEST_SUITE(SaveRefusal, Cards, );
 
 TYPED_TEST(SaveRefusal, AClosedFileIsRefusedFirst)
 {

@@ -63,7 +63,7 @@ TEST(SortByTime, KeepsEveryItemWhateverTheZonesHistory)
     std::mt19937 random(7);
     std::vector<Item> items;
     for (int i = 0; i < 2000; ++i)
-        items.push_back(at(random(), i));
+        items.push_back(at(static_cast<qint64>(random()), i));
     const std::vector<int> numbers = sortedNumbers(items);
     std::vector<qint64> seconds;
     for (const int number : numbers)
