@@ -8,7 +8,7 @@ cp "$source"/aux/*.h "$build/platform/include/aux/"
 for library in "${libaux%/*}"/libaux.so*; do
     cp -P "$library" "$build/platform/lib/"
 done
-"$cmake" -S "$source" -B "$build/library" -DSCARD_DEVELOPER=OFF -DSCARD_SYSTEM_AUX=ON \
+"$cmake" -S "$source" -B "$build/library" -DSCARD_DEVELOPER=OFF -DSCARD_SYSTEM_AUX=ON -DCMAKE_BUILD_TYPE=Debug \
     -DCMAKE_PREFIX_PATH="$build/platform" >"$build/log" 2>&1 || { cat "$build/log"; exit 1; }
 "$cmake" --build "$build/library" --parallel 2 >"$build/log" 2>&1 || { cat "$build/log"; exit 1; }
 
