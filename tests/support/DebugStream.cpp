@@ -1,21 +1,20 @@
 #include "DebugStream.h"
 #include "DebugStreamInternal.h"
 
-#include <QMutex>
-#include <QMutexLocker>
+#include <mutex>
 
 namespace test {
 
 namespace {
 
-QMutex mutex;
+std::mutex mutex; // not Qt's: the thread sanitizer does not see into that one
 QStringList debugLines;
 QStringList expectedWarnings;
 QStringList unexpected;
 
 void collect(QtMsgType type, const QMessageLogContext&, const QString& text)
 {
-    const QMutexLocker lock(&mutex);
+    const std::lock_guard lock(mutex);
     if (type == QtDebugMsg) {
         debugLines.append(text);
         return;
@@ -28,7 +27,7 @@ void collect(QtMsgType type, const QMessageLogContext&, const QString& text)
 
 QStringList DebugStream::lines()
 {
-    const QMutexLocker lock(&mutex);
+    const std::lock_guard lock(mutex);
     return debugLines;
 }
 
@@ -39,13 +38,13 @@ bool DebugStream::contains(const QString& line)
 
 void DebugStream::clear()
 {
-    const QMutexLocker lock(&mutex);
+    const std::lock_guard lock(mutex);
     debugLines.clear();
 }
 
 void DebugStream::expectWarning(const QString& text)
 {
-    const QMutexLocker lock(&mutex);
+    const std::lock_guard lock(mutex);
     expectedWarnings.append(text);
 }
 
@@ -56,7 +55,7 @@ void installDebugStream()
 
 void beginDebugStream()
 {
-    const QMutexLocker lock(&mutex);
+    const std::lock_guard lock(mutex);
     debugLines.clear();
     expectedWarnings.clear();
     unexpected.clear();
@@ -64,7 +63,7 @@ void beginDebugStream()
 
 QStringList unexpectedMessages()
 {
-    const QMutexLocker lock(&mutex);
+    const std::lock_guard lock(mutex);
     QStringList all = unexpected;
     for (const QString& missing : expectedWarnings)
         all.append(QStringLiteral("expected, but did not come: ") + missing);

@@ -14,11 +14,12 @@ exec unshare -m$user_namespace sh -euc '
         esac
     done
     [ -z "$kept" ] || mount --rbind /tmp /mnt
-    mount -t tmpfs -o mode=1777,size=64m none /tmp
+    mount -t tmpfs -o mode=1777,size=96m none /tmp
     for folder in $kept; do
         mkdir -p "$folder"
         mount --rbind "/mnt/${folder#/tmp/}" "$folder"
     done
     cd "$here"
+    export OWN_TMP=1
     exec "$@"
 ' own-tmp "$here" "$@"
