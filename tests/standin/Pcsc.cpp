@@ -297,6 +297,8 @@ LONG Pcsc::transmit(
     const std::optional<sim::Bytes> answer = reader->card->transmit({send, send + sendLength});
     if (!answer)
         return m_removedCode;
+    if (m_afterTransmit)
+        m_afterTransmit({send, send + sendLength}, *answer);
     if (answer->size() > *receiveLength) {
         *receiveLength = answer->size();
         return SCARD_E_INSUFFICIENT_BUFFER;

@@ -72,6 +72,10 @@ class Pcsc
     /// Runs once when SCardGetStatusChange has to wait.
     void whileWaiting(std::function<void()> happening) { m_happening = std::move(happening); }
 
+    /// Runs at each command that the card has executed, before its answer is handed over.
+    using AfterTransmit = std::function<void(const sim::Bytes& command, const sim::Bytes& answer)>;
+    void afterTransmit(AfterTransmit happening) { m_afterTransmit = std::move(happening); }
+
     const std::vector<Call>& calls() const { return m_calls; }
     std::size_t count(Function function) const;
 
@@ -84,6 +88,9 @@ class Pcsc
     std::size_t openContexts() const { return m_contexts.size(); }
     std::size_t connectedCards() const { return m_handles.size(); }
     std::size_t listsNotFreed() const { return m_lists.size(); }
+
+    /// Frees the lists whose return was refused.
+    void forgetLists() { m_lists.clear(); }
 
     // The functions behind the C names.
     LONG establishContext(DWORD scope, SCARDCONTEXT* context);
@@ -124,6 +131,7 @@ class Pcsc
     bool m_recording = true;
     LONG m_removedCode = SCARD_W_REMOVED_CARD;
     std::function<void()> m_happening;
+    AfterTransmit m_afterTransmit;
     std::vector<Call> m_calls;
     std::map<Function, std::size_t> m_counts;
     std::map<std::pair<Function, std::size_t>, LONG> m_failures;
