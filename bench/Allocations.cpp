@@ -5,8 +5,6 @@
 #include <cstdint>
 #include <cstdlib>
 
-#ifndef SCARD_NO_ALLOCATION_COUNT
-
 #include <malloc.h>
 
 extern "C" {
@@ -80,18 +78,3 @@ Allocations Allocations::taken()
 }
 
 } // namespace bench
-
-#else
-
-namespace bench {
-
-void Allocations::start() {}
-
-Allocations Allocations::taken()
-{
-    return {};
-}
-
-} // namespace bench
-
-#endif
