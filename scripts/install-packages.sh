@@ -1,5 +1,6 @@
 #!/bin/sh
 # Installs what building, testing and the demo need, by Debian package name; as root, or through sudo.
+# install-packages.sh clang adds what the sanitizers need.
 set -eu
 packages="
     build-essential
@@ -17,6 +18,15 @@ packages="
     tzdata
     vsmartcard-vpcd
 "
+for more in "$@"; do
+    case $more in
+    clang) packages="$packages clang libclang-rt-14-dev" ;;
+    *)
+        echo "install-packages.sh: what is $more?" >&2
+        exit 2
+        ;;
+    esac
+done
 missing=
 for package in $packages; do
     state=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null) || state=
