@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs what building, testing and the demo need, by Debian package name; as root, or through sudo.
-# install-packages.sh clang adds what the sanitizers need.
+# install-packages.sh clang arm adds what the sanitizers and what 32-bit ARM under emulation need.
 set -eu
 packages="
     build-essential
@@ -21,6 +21,7 @@ packages="
 for more in "$@"; do
     case $more in
     clang) packages="$packages clang libclang-rt-14-dev" ;;
+    arm) packages="$packages g++-arm-linux-gnueabihf mmdebstrap qemu-user" ;;
     *)
         echo "install-packages.sh: what is $more?" >&2
         exit 2

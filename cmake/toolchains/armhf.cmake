@@ -1,10 +1,6 @@
 # 32-bit ARM with hardware floating point, as in roadside boxes: `char` is unsigned there and `long` has
 # four bytes. SCARD_SYSROOT names a Debian armhf root; programs run under emulation (qemu-arm).
-#
-# A root is unpacked, not installed:
-#   mmdebstrap --variant=extract --architectures=armhf bookworm ROOT "deb URL bookworm main" --include=libc6-dev,\
-#     libstdc++-12-dev,qtbase5-dev,libpcsclite-dev,libssl-dev,libgtest-dev,libgmock-dev,libbenchmark-dev
-# Remove ROOT/tmp afterwards: the emulator would take it for the "/tmp/" of the programs that it runs.
+# scripts/arm-root.sh makes such a root.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR armv7l)
 set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)

@@ -1,0 +1,30 @@
+#!/bin/sh
+# Builds for 32-bit ARM with hardware floating point, as in roadside boxes, and runs what needs no reader under
+# emulation: all unit tests, all tests over the stand-in for PC/SC, the inputs of the searches. What the program
+# makes of simulated downloads must be, byte for byte, what build/release makes of them.
+set -eu
+cd "$(dirname "$0")/.."
+scripts/install-packages.sh arm
+
+scripts/arm-root.sh
+root=$PWD/build/armroot
+cmake --preset arm -DSCARD_WARNINGS_AS_ERRORS=ON
+cmake --build --preset arm
+ctest --preset arm
+
+echo "== the same on both machines"
+here=build/release
+there=build/arm
+diff -r $here/fuzz/seeds $there/fuzz/seeds
+compared=0
+for file in $here/fuzz/seeds/full/image/*; do
+    for words in "show --json --utc" "show --utc" records; do
+        # shellcheck disable=SC2086 # a list of words
+        $here/cli/scard $words "$file" >$here/here.txt
+        # shellcheck disable=SC2086
+        qemu-arm -L "$root" $there/cli/scard $words "$file" >$here/there.txt
+        cmp $here/here.txt $here/there.txt
+        compared=$((compared + 1))
+    done
+done
+echo "$compared outputs are the same"
