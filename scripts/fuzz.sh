@@ -1,5 +1,5 @@
 #!/bin/sh
-# Searches for inputs that break a target: fuzz.sh TARGET SECONDS. Needs Debian's clang and libclang-rt-14-dev.
+# Searches for inputs that break a target: fuzz.sh TARGET SECONDS. scripts/install-packages.sh clang brings what it needs.
 # The inputs that reach new code are kept under build/fuzz, a finding is written to fuzz/findings/TARGET, from
 # where the ordinary tests replay it. A hang of ten seconds and more than 512 MB of memory are findings.
 set -eu

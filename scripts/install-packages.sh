@@ -20,8 +20,8 @@ packages="
 "
 for more in "$@"; do
     case $more in
-    clang) packages="$packages clang libclang-rt-14-dev" ;;
-    arm) packages="$packages g++-arm-linux-gnueabihf mmdebstrap qemu-user" ;;
+    clang) packages="$packages clang libclang-rt-14-dev llvm" ;; # llvm names the functions that leak
+    arm) packages="$packages g++-arm-linux-gnueabihf gpg mmdebstrap qemu-user" ;;
     *)
         echo "install-packages.sh: what is $more?" >&2
         exit 2
