@@ -7,7 +7,7 @@
 namespace aux {
 
 /// The nation codes of the tachograph data dictionary (NationNumeric and NationAlpha, Annex 1C,
-/// Appendix 1; list of the laboratory that assigns them).
+/// Appendix 1; list of the laboratory that assigns them). No state: any thread may ask.
 class AUX_EXPORT CountryCodes
 {
   public:

@@ -16,16 +16,22 @@ namespace scard {
 /// an image read() takes every dataset from its bytes, all must be there, and saveToFile() is refused.
 ///
 /// A step's own entry stands behind the entries of what made it fail, with the id of the first of these.
+///
+/// The values are those of the last read(), also after the card is gone. Threads: as SCardGeneric.
 class SCARD_EXPORT SCardCompanyG1 : public SCardGeneric
 {
     Q_OBJECT
 
   public:
+    /// An object on neither card nor image: read() fails, and there are no values.
     SCardCompanyG1();
 
     /// An object on the card or image of @p card, with what identification found.
     explicit SCardCompanyG1(const SCardGeneric& card);
+
+    /// What was read is not copied: a further object is made of the same SCardGeneric.
     SCardCompanyG1(const SCardCompanyG1&) = delete;
+
     ~SCardCompanyG1() override;
 
     /// Reads the record count and adds up the download. Error: "calcDataToRead(): Error reading SCardCompany

@@ -24,11 +24,15 @@ class SCARD_EXPORT SCardCompanyG2 : public SCardCompanyG1
     Q_OBJECT
 
   public:
+    /// An object on neither card nor image: read() fails, and there are no values.
     SCardCompanyG2();
 
     /// An object on the card or image of @p card, with what identification found.
     explicit SCardCompanyG2(const SCardGeneric& card);
+
+    /// What was read is not copied: a further object is made of the same SCardGeneric.
     SCardCompanyG2(const SCardCompanyG2&) = delete;
+
     ~SCardCompanyG2() override;
 
     /// Adds up both applications; certificates by the length in their first bytes. Errors: "calcDataToRead()
@@ -49,7 +53,9 @@ class SCARD_EXPORT SCardCompanyG2 : public SCardCompanyG1
     /// a record of it only in part, for behind such a record nobody finds the others.
     aux::Error saveToFile(QFile& file) override;
 
-    // What the second application holds; empty where the EF was not read.
+    /// @name What the second application holds
+    /// Empty where the EF was not read.
+    /// @{
 
     /// EF_Identification; all zero when it was not read.
     CompanyCard_EF_Identification getCardIdentification() const;
@@ -60,6 +66,8 @@ class SCARD_EXPORT SCardCompanyG2 : public SCardCompanyG1
     /// EF_Company_Activity_Data, by time; a slot that the card never used (its type and time are 0) makes no
     /// item.
     std::vector<CompanyActivity> getCompanyActivitiesG2() const;
+
+    /// @}
 
   private:
     void announceHolder();

@@ -20,12 +20,15 @@ namespace scard {
 /// A download runs calcDataToRead(), read(), saveToFile(), postDownloadTasks() in that order. On an
 /// image read() takes every dataset from its bytes, certificates and the like may be missing there,
 /// saveToFile() is refused and postDownloadTasks() has nothing to do.
+///
+/// The values are those of the last read(), also after the card is gone. Threads: as SCardGeneric; getters
+/// that are not const sort their list.
 class SCARD_EXPORT SCardDriverG1 : public SCardGeneric
 {
     Q_OBJECT
 
   public:
-    /// One activity period of a day.
+    /// One activity period of a day (ActivityChangeInfo).
     struct _DAILY_ITEM
     {
         std::uint16_t start;         ///< minute of the day
@@ -36,19 +39,19 @@ class SCARD_EXPORT SCardDriverG1 : public SCardGeneric
         std::uint32_t slot;          ///< 0 driver, 1 co-driver
     };
 
-    /// One day with its periods; all sums in minutes.
+    /// One day with its periods (CardActivityDailyRecord); all sums in minutes.
     struct _DAILY_ACTIVITIES
     {
-        QDateTime date; ///< the day's record date, 00:00 UTC, as local time; toUTC() gives the card's day
-        int work = 0;
-        int rest = 0;
-        int driving = 0;
-        int availability = 0;
-        int unknown = 0;
-        std::vector<_DAILY_ITEM> items;
+        QDateTime date;  ///< the day's record date, 00:00 UTC, as local time; toUTC() gives the card's day
+        int work = 0;    ///< minutes
+        int rest = 0;    ///< minutes, breaks among them
+        int driving = 0; ///< minutes
+        int availability = 0; ///< minutes
+        int unknown = 0;      ///< minutes before the first period, and with the card out and nothing entered
+        std::vector<_DAILY_ITEM> items; ///< in the card's order, ascending in time
     };
 
-    /// One vehicle used.
+    /// One vehicle used, on one day or a part of it (CardVehicleRecord).
     struct _VEHICLE_USAGE_INFO
     {
         QDateTime firstUse;              ///< local time
@@ -58,33 +61,37 @@ class SCARD_EXPORT SCardDriverG1 : public SCardGeneric
         QString registration;            ///< registration number, trimmed
     };
 
-    /// One event.
+    /// One event (CardEventRecord).
     struct _EVENT
     {
-        std::int32_t type = 0;
-        QDateTime begin; ///< local time; null when not known
-        QDateTime end;   ///< local time; null when not known
-        std::int32_t reserved1 = 0;
-        std::int32_t reserved2 = 0;
-        QString registration; ///< registration number, trimmed
+        std::int32_t type = 0; ///< EventFaultType: 1 to 15 general, 16 and above security breach attempts
+        QDateTime begin;       ///< local time; null when not known
+        QDateTime end;         ///< local time; null when not known
+        std::int32_t reserved1 = 0; ///< always 0
+        std::int32_t reserved2 = 0; ///< always 0
+        QString registration;       ///< registration number, trimmed
     };
 
-    /// One fault.
+    /// One fault (CardFaultRecord).
     struct _FAULT
     {
-        std::int32_t type = 0;
-        QDateTime begin; ///< local time; null when not known
-        QDateTime end;   ///< local time; null when not known
-        std::int32_t reserved1 = 0;
-        std::int32_t reserved2 = 0;
-        QString registration; ///< registration number, trimmed
+        std::int32_t type = 0;      ///< EventFaultType: 48 to 63 recording equipment, 64 to 79 card
+        QDateTime begin;            ///< local time; null when not known
+        QDateTime end;              ///< local time; null when not known
+        std::int32_t reserved1 = 0; ///< always 0
+        std::int32_t reserved2 = 0; ///< always 0
+        QString registration;       ///< registration number, trimmed
     };
 
+    /// An object on neither card nor image: read() fails, and there are no values.
     SCardDriverG1();
 
     /// An object on the card or image of @p card, with what identification found.
     explicit SCardDriverG1(const SCardGeneric& card);
+
+    /// What was read is not copied: a further object is made of the same SCardGeneric.
     SCardDriverG1(const SCardDriverG1&) = delete;
+
     ~SCardDriverG1() override;
 
     /// Reads the record counts and adds up the download. A card that has no first-generation
@@ -110,21 +117,28 @@ class SCARD_EXPORT SCardDriverG1 : public SCardGeneric
     /// EF_Identification; all zero when it was not read.
     virtual DriverCard_EF_Identification getCardIdentification();
 
-    /// When the card was last downloaded before this download, local time.
+    /// When the card was last downloaded before this download, local time (EF_Card_Download). 1970-01-01
+    /// 00:00 UTC when it never was, or the EF was not read.
     virtual QDateTime getLastCardDownload();
 
     /// First names, ", ", surname, both trimmed.
     virtual QString getCardHolderName();
 
-    // Lists for the host, built by read(). Each getter sorts its list by time and returns a copy; items of
-    // the same time may come in any order. Empty before a read().
+    /// @name Lists for the host
+    /// Built by read(). Each getter sorts its list by time and returns a copy; items of the same time may
+    /// come in any order. Empty before a read().
+    /// @{
 
-    virtual std::vector<_DAILY_ACTIVITIES> getActivities();     ///< by date
-    virtual std::vector<_VEHICLE_USAGE_INFO> getVehiclesUsed(); ///< by first use
-    virtual std::vector<_EVENT> getEvents();                    ///< by begin
-    virtual std::vector<_FAULT> getFaults();                    ///< by begin
+    virtual std::vector<_DAILY_ACTIVITIES> getActivities();     ///< Days, by date.
+    virtual std::vector<_VEHICLE_USAGE_INFO> getVehiclesUsed(); ///< Vehicles, by first use.
+    virtual std::vector<_EVENT> getEvents();                    ///< Events, by begin.
+    virtual std::vector<_FAULT> getFaults();                    ///< Faults, by begin.
 
-    // The builders work on what was read, at any time. A slot that the card never used makes no item.
+    /// @}
+
+    /// @name Builders of the lists
+    /// They work on what was read, at any time. A slot that the card never used makes no item.
+    /// @{
 
     /// Walks the cyclic activity buffer from the oldest day to the newest, in the card's order. The minutes
     /// before a day's first change count as unknown, those behind its last change are not counted.
@@ -143,6 +157,8 @@ class SCARD_EXPORT SCardDriverG1 : public SCardGeneric
     /// From EF_FaultsData, likewise.
     virtual void buildFaultList();
 
+    /// @}
+
     /// Makes the file name from the identification and the download timestamp by the filename region.
     void constructFilename();
 
@@ -151,17 +167,27 @@ class SCARD_EXPORT SCardDriverG1 : public SCardGeneric
     /// writeTo() Failed: ID 50e" with the write's id and its entries behind it.
     aux::Error updateLastCardDownload();
 
-    // Figures of a day, from the list of days; a day belongs to the calendar date of its local time. The
-    // remaining times are sums over what is on the card, and no verdict by the rules for drivers.
+    /// @name Figures of a day
+    /// From the list of days; a day belongs to the calendar date of its local time. The remaining times are
+    /// sums over what is on the card, in minutes (days where it says so), and no verdict by the rules for
+    /// drivers. Their numbers are those of Regulation (EC) No 561/2006.
+    /// @{
 
     /// The minutes of the first day of that date; false, and 0 everywhere, when there is none.
+    /// @param      date         which day
+    /// @param[out] work         as in _DAILY_ACTIVITIES
+    /// @param[out] rest         likewise
+    /// @param[out] driving      likewise
+    /// @param[out] availability likewise
+    /// @param[out] unknown      likewise
+    /// @return                  true when there is such a day
     bool
     getDayStatistics(QDate date, int& work, int& rest, int& driving, int& availability, int& unknown) const;
 
-    /// Date of the list's first day, oldest first; null when the list is empty.
+    /// Date of the list's first day, the oldest; null when the list is empty.
     QDateTime getDateOfFirstActivity() const;
 
-    /// Date of the list's last day; null when the list is empty.
+    /// Date of the list's last day, the newest; null when the list is empty.
     QDateTime getDateOfLastActivity() const;
 
     /// 540 minutes less the day's work and driving; negative when there was more.
@@ -170,18 +196,23 @@ class SCARD_EXPORT SCardDriverG1 : public SCardGeneric
     /// 3360 minutes less work and driving of the seven days that end with @p date; at least 0.
     int getRemainingDrivingTimeOfWeek(QDate date) const;
 
-    /// 2 less the number of those days with more than 540 minutes of work and driving; at least 0.
+    /// Days: 2 less the number of those seven with more than 540 minutes of work and driving; at least 0.
     int getRemainingExtendedDrivingTimeOfWeek(QDate date) const;
 
-    /// 3 less the number of those days that leave less than 660 minutes beside work and driving; at least 0.
+    /// Days: 3 less the number of those seven that leave less than 660 minutes beside work and driving; at
+    /// least 0.
     int getRemainingReducedRestTimeOfWeek(QDate date) const;
 
     /// 270 minutes less the day's work and driving since the last breaks of more than 44 minutes in sum; at
     /// least 0. The day's last period has no end yet and does not count.
     int getTimeToNextBreak(QDate date) const;
 
-    // What else the first-generation application holds; empty where the EF was not read. Lists by time; a
-    // slot that the card never used (its time is 0) makes no item.
+    /// @}
+
+    /// @name What else the first-generation application holds
+    /// Empty where the EF was not read. Lists by time; a slot that the card never used (its time is 0) makes
+    /// no item.
+    /// @{
 
     /// EF_Places.
     std::vector<Place> getPlaces() const;
@@ -197,6 +228,8 @@ class SCARD_EXPORT SCardDriverG1 : public SCardGeneric
 
     /// EF_Driving_License_Info.
     DrivingLicence getDrivingLicence() const;
+
+    /// @}
 
   private:
     void announceHolder();

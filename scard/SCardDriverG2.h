@@ -27,11 +27,15 @@ class SCARD_EXPORT SCardDriverG2 : public SCardDriverG1
         QString vehicleIdentificationNumber; ///< trimmed
     };
 
+    /// An object on neither card nor image: read() fails, and there are no values.
     SCardDriverG2();
 
     /// An object on the card or image of @p card, with what identification found.
     explicit SCardDriverG2(const SCardGeneric& card);
+
+    /// What was read is not copied: a further object is made of the same SCardGeneric.
     SCardDriverG2(const SCardDriverG2&) = delete;
+
     ~SCardDriverG2() override;
 
     /// Adds up both applications; certificates by the length in their first bytes. Errors, each with what
@@ -54,22 +58,35 @@ class SCARD_EXPORT SCardDriverG2 : public SCardDriverG1
     /// Errors as SCardDriverG1::postDownloadTasks().
     aux::Error postDownloadTasks() override;
 
-    // From the second application, or from the first where the second was not read.
+    /// @name From the second application, or from the first where the second was not read
+    /// @{
 
+    /// EF_Identification; all zero when neither was read.
     DriverCard_EF_Identification getCardIdentification() override;
+
+    /// When the card was last downloaded before this download, as SCardDriverG1::getLastCardDownload().
     QDateTime getLastCardDownload() override;
+
+    /// First names, ", ", surname, both trimmed.
     QString getCardHolderName() override;
 
-    // These build the lists of the second application, by the rules and with the errors of the first; like
-    // those, at any time.
+    /// @}
 
-    aux::Error buildDailyActivityList() override;
-    void buildUsedVehiclesList() override;
-    void buildEventList() override;
-    void buildFaultList() override;
+    /// @name Builders of the second application's lists
+    /// By the rules and with the errors of the first; like those, at any time. The lists come out by time.
+    /// @{
 
-    // What the second application holds; empty where the EF was not read. Lists by time; items of the same
-    // time may come in any order, and a slot that the card never used (its time is 0) makes no item.
+    aux::Error buildDailyActivityList() override; ///< For getActivitiesG2().
+    void buildUsedVehiclesList() override;        ///< For getVehiclesUsedG2().
+    void buildEventList() override;               ///< For getEventsG2().
+    void buildFaultList() override;               ///< For getFaultsG2().
+
+    /// @}
+
+    /// @name What the second application holds
+    /// Empty where the EF was not read. Lists by time; items of the same time may come in any order, and a
+    /// slot that the card never used (its time is 0) makes no item.
+    /// @{
 
     /// Days of EF_Driver_Activity_Data, as the last builder call made them.
     std::vector<_DAILY_ACTIVITIES> getActivitiesG2() const;
@@ -112,6 +129,8 @@ class SCARD_EXPORT SCardDriverG2 : public SCardDriverG1
 
     /// EF_Load_Type_Entries; empty before version 2.2.
     std::vector<LoadTypeEntry> getLoadTypeEntries() const;
+
+    /// @}
 
   private:
     struct Private;

@@ -17,16 +17,22 @@ namespace scard {
 /// A download runs calcDataToRead(), read(), saveToFile(), postDownloadTasks() in that order. On an image
 /// read() takes every dataset from its bytes, certificates and EF_Card_Download may be missing there,
 /// saveToFile() is refused and postDownloadTasks() has nothing to do.
+///
+/// The values are those of the last read(), also after the card is gone. Threads: as SCardGeneric.
 class SCARD_EXPORT SCardWorkshopG1 : public SCardGeneric
 {
     Q_OBJECT
 
   public:
+    /// An object on neither card nor image: read() fails, and there are no values.
     SCardWorkshopG1();
 
     /// An object on the card or image of @p card, with what identification found.
     explicit SCardWorkshopG1(const SCardGeneric& card);
+
+    /// What was read is not copied: a further object is made of the same SCardGeneric.
     SCardWorkshopG1(const SCardWorkshopG1&) = delete;
+
     ~SCardWorkshopG1() override;
 
     /// Reads the record counts and adds up the download. Error: "calcDataToRead(): Error reading
@@ -55,7 +61,9 @@ class SCARD_EXPORT SCardWorkshopG1 : public SCardGeneric
     /// "updateLastCardDownload() writeTo() Failed: ID 50e" with the write's id and its entries behind it.
     aux::Error resetCalibrationsSinceDownload();
 
-    // What the first-generation application holds; empty where the EF was not read.
+    /// @name What the first-generation application holds
+    /// Empty where the EF was not read.
+    /// @{
 
     /// EF_Identification; all zero when it was not read.
     WorkshopCard_EF_Identification getCardIdentification() const;
@@ -69,6 +77,8 @@ class SCARD_EXPORT SCardWorkshopG1 : public SCardGeneric
     /// EF_Calibration by the time after each calibration, those whose time was never set first; a slot that
     /// the card never used (no purpose, time and vehicle) makes no item.
     std::vector<Calibration> getCalibrations() const;
+
+    /// @}
 
   private:
     void announceHolder();

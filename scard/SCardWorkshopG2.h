@@ -18,11 +18,15 @@ class SCARD_EXPORT SCardWorkshopG2 : public SCardWorkshopG1
     Q_OBJECT
 
   public:
+    /// An object on neither card nor image: read() fails, and there are no values.
     SCardWorkshopG2();
 
     /// An object on the card or image of @p card, with what identification found.
     explicit SCardWorkshopG2(const SCardGeneric& card);
+
+    /// What was read is not copied: a further object is made of the same SCardGeneric.
     SCardWorkshopG2(const SCardWorkshopG2&) = delete;
+
     ~SCardWorkshopG2() override;
 
     /// Adds up both applications; certificates by the length in their first bytes. Errors, each with what
@@ -44,8 +48,9 @@ class SCARD_EXPORT SCardWorkshopG2 : public SCardWorkshopG1
     /// fails ends it. Errors as SCardWorkshopG1::postDownloadTasks().
     aux::Error postDownloadTasks() override;
 
-    // What the second application holds; empty where the EF was not read. A slot that the card never used
-    // makes no item.
+    /// @name What the second application holds
+    /// Empty where the EF was not read. A slot that the card never used makes no item.
+    /// @{
 
     /// EF_Identification; all zero when it was not read.
     WorkshopCard_EF_Identification getCardIdentificationG2() const;
@@ -59,6 +64,8 @@ class SCARD_EXPORT SCardWorkshopG2 : public SCardWorkshopG1
     /// EF_Calibration_Add_Data by the time before each calibration; a slot that was never used has no time
     /// and vehicle. Empty before version 2.2.
     std::vector<CalibrationAddData> getCalibrationAddData() const;
+
+    /// @}
 
   private:
     struct Private;

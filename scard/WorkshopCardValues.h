@@ -9,19 +9,20 @@
 #include <optional>
 #include <vector>
 
-// What the records of a workshop card say, as values for the host. Times are local; a null QDateTime stands
-// for a time that the card does not know (stored as 0 or FFFFFFFF). Codes are those of the tachograph data
-// dictionary (Annex 1C, Appendix 1).
+/// @file
+/// What the records of a workshop card say, as values for the host. Times are local; a null QDateTime stands
+/// for a time that the card does not know (stored as 0 or FFFFFFFF). Codes are those of the tachograph data
+/// dictionary (Annex 1C, Appendix 1).
 
 namespace scard {
 
 /// Serial number of a piece of equipment (ExtendedSerialNumber).
 struct EquipmentSerialNumber
 {
-    std::uint32_t serialNumber = 0;
-    QString monthYear;        ///< of manufacture: mmyy as stored, four hexadecimal digits
-    int type = 0;             ///< the maker's type of the equipment
-    int manufacturerCode = 0; ///< of the equipment's maker
+    std::uint32_t serialNumber = 0; ///< unique for maker, type and month
+    QString monthYear;              ///< of manufacture: mmyy as stored, four hexadecimal digits
+    int type = 0;                   ///< the maker's type of the equipment
+    int manufacturerCode = 0;       ///< of the equipment's maker
 };
 
 /// A seal on the vehicle (SealRecord).
@@ -62,18 +63,18 @@ struct Calibration
     EquipmentSerialNumber vuSerialNumber;     ///< of the vehicle unit
     EquipmentSerialNumber sensorSerialNumber; ///< of the motion sensor
 
-    // Only in the second generation.
-    std::optional<EquipmentSerialNumber> gnssSerialNumber; ///< of the external satellite receiver
-    std::optional<EquipmentSerialNumber> remoteCommunicationSerialNumber;
-    std::optional<bool> refusesFirstGenerationCards; ///< of the vehicle unit (VuAbility)
-    std::vector<Seal> seals;                         ///< as many as the record says, at most five
+    /// Of the external satellite receiver. This and what follows: only in the second generation.
+    std::optional<EquipmentSerialNumber> gnssSerialNumber;
+    std::optional<EquipmentSerialNumber> remoteCommunicationSerialNumber; ///< of that module
+    std::optional<bool> refusesFirstGenerationCards;                      ///< of the vehicle unit (VuAbility)
+    std::vector<Seal> seals; ///< as many as the record says, at most five
 };
 
 /// More about the calibration with the same old time and vehicle; on cards of version 2.2
 /// (WorkshopCardCalibrationAddDataRecord).
 struct CalibrationAddData
 {
-    QDateTime oldTime;
+    QDateTime oldTime;                   ///< before the calibration
     QString vehicleIdentificationNumber; ///< trimmed
     int defaultLoadType = 0;             ///< 0 undefined, 1 goods, 2 passengers
     Nation country;                      ///< where the calibration was made
