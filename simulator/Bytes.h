@@ -86,7 +86,8 @@ inline Bytes fromHex(std::string_view text)
         std::uint32_t digit = 0;
         if (c == ' ') {
             continue;
-        } else if (c >= '0' && c <= '9') {
+        }
+        if (c >= '0' && c <= '9') {
             digit = static_cast<std::uint32_t>(c - '0');
         } else if (c >= 'A' && c <= 'F') {
             digit = static_cast<std::uint32_t>(c - 'A') + 10;
@@ -96,7 +97,7 @@ inline Bytes fromHex(std::string_view text)
             throw std::invalid_argument("not a hexadecimal digit");
         }
         if (half) {
-            bytes.back() = static_cast<std::uint8_t>(bytes.back() * 16u + digit);
+            bytes.back() = static_cast<std::uint8_t>(bytes.back() * 16U + digit);
         } else {
             appendU8(bytes, digit);
         }

@@ -63,6 +63,10 @@ void addApplicationG2(
     CardDescription& to, const ApplicationContentsG2& contents, std::vector<FileDescription> others,
     Curve curve, Equipment equipment);
 
+// Between these the newest entry of a workshop or company card may lie.
+constexpr std::uint32_t EarliestTime = 946684800; // 2000-01-01
+constexpr std::uint32_t LatestTime = 3786912000;  // 2090-01-01
+
 /// Throws std::invalid_argument with `what` unless it holds.
 void requireParameter(bool holds, const char* what);
 /// Throws std::invalid_argument unless it is empty or two lower-case letters.

@@ -13,12 +13,10 @@ namespace {
 
 constexpr std::uint32_t CompanyStream = 64;
 constexpr std::uint32_t ActivityStream = 65;
-constexpr std::uint32_t SerialStream = 66;
+constexpr std::uint32_t CompanySerialStream = 66;
 
 constexpr std::uint16_t CompanyActivityData = 0x050D;
-constexpr int YearsOfValidity = 5;
-constexpr std::uint32_t EarliestTime = 946684800; // 2000-01-01
-constexpr std::uint32_t LatestTime = 3786912000;  // 2090-01-01
+constexpr int CompanyCardYears = 5;
 
 /// CompanyActivityType
 enum class CompanyActivity : std::uint8_t
@@ -173,7 +171,7 @@ OfficeStory makeCompanyStory(const CompanyParameters& parameters)
     requireParameter(parameters.indices.size() == 3, "a card number has three indices");
     requireLanguage(parameters.language);
     Random activityRandom(parameters.seed, ActivityStream);
-    Random serialRandom(parameters.seed, SerialStream);
+    Random serialRandom(parameters.seed, CompanySerialStream);
     const std::vector<std::uint32_t> times = makeTimes(parameters.lastActivity, activityRandom);
 
     OfficeStory story;
@@ -182,7 +180,7 @@ OfficeStory makeCompanyStory(const CompanyParameters& parameters)
     story.nation = parameters.nation;
     story.issued = times.front() - times.front() % SecondsPerDay -
                    static_cast<std::uint32_t>(serialRandom.between(10, 900)) * SecondsPerDay;
-    story.expires = endAfterYears(story.issued, YearsOfValidity);
+    story.expires = endAfterYears(story.issued, CompanyCardYears);
     story.extendedSerialNumber =
         makeExtendedSerialNumber(serialRandom.next(), story.issued, Equipment::Company);
     story.chipSerial = serialRandom.next();

@@ -1,7 +1,6 @@
 // Whole company cards.
 #pragma once
 
-#include "CardFiles.h"
 #include "CommonContents.h"
 
 #include <array>

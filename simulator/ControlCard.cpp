@@ -11,7 +11,7 @@ namespace sim {
 
 namespace {
 
-constexpr std::uint32_t ControlStream = 16;
+constexpr std::uint32_t ControlCardStream = 16;
 constexpr std::uint16_t ControllerActivityData = 0x050C;
 
 /// One control after the other, up to some days apart, the last at `lastControl`.
@@ -45,7 +45,7 @@ OfficeStory makeControlStory(const ControlParameters& parameters)
 {
     requireParameter(parameters.activityRecords > 0, "a control card without records");
     requireParameter(parameters.lastControl >= 946684800, "a control before 2000-01-01");
-    Random random(parameters.seed, ControlStream);
+    Random random(parameters.seed, ControlCardStream);
     const NationProfile profile = nationProfile(parameters.nation);
     CardIdentification card;
     card.nation = parameters.nation;

@@ -1,7 +1,6 @@
 // Whole control cards.
 #pragma once
 
-#include "CardFiles.h"
 #include "CommonContents.h"
 
 namespace sim {

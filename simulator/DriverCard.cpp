@@ -1,5 +1,7 @@
 #include "DriverCard.h"
 
+#include "CardFiles.h"
+
 namespace sim {
 
 namespace {

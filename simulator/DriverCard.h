@@ -1,7 +1,6 @@
 // Whole driver cards: contents, access rights and keys put together.
 #pragma once
 
-#include "CardFiles.h"
 #include "DriverContents.h"
 #include "DriverContentsG2.h"
 

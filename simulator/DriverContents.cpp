@@ -1,6 +1,6 @@
 #include "DriverContents.h"
 
-#include "DriverFiles.h"
+#include "DriverStory.h"
 
 namespace sim {
 

@@ -1,6 +1,6 @@
 #include "DriverContentsG2.h"
 
-#include "DriverFiles.h"
+#include "DriverStory.h"
 
 namespace sim {
 

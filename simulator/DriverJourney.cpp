@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint32_t RouteStream = 32;
 constexpr std::uint32_t LoadStream = 33;
-constexpr std::uint32_t VehicleStream = 34;
+constexpr std::uint32_t FleetStream = 34;
 
 constexpr std::uint32_t DrivingBetweenMarks = 3 * 3600;
 
@@ -338,7 +338,6 @@ VehicleIdentity makeVehicleIdentity(Random& random)
     // ISO 3779: no I, O and Q.
     static const std::string Characters = "0123456789ABCDEFGHJKLMNPRSTUVWXYZ";
     static const std::vector<std::string> softwares = {"0201", "0312", "V4.0", "V5.2"};
-    constexpr std::size_t VinLength = 17;
 
     VehicleIdentity identity;
     identity.vin = "0SM"; // no real maker
@@ -356,7 +355,7 @@ DriverJourney makeDriverJourney(std::uint32_t seed, std::uint8_t nation, const D
 {
     DriverJourney journey = Traveller(seed, nation, life).travel();
     journey.units = unitsOf(life);
-    Random random(seed, VehicleStream);
+    Random random(seed, FleetStream);
     for (std::size_t i = 0; i < life.fleet.size(); ++i) {
         journey.vehicles.push_back(makeVehicleIdentity(random));
     }

@@ -72,10 +72,12 @@ struct UnitUse
     std::size_t vehicle = 0;
 };
 
+constexpr std::size_t VinLength = 17;
+
 /// What the fleet's vehicles are known by in the second generation.
 struct VehicleIdentity
 {
-    /// 17 characters.
+    /// VinLength characters.
     std::string vin;
     std::uint8_t unitManufacturer = 0;
     std::uint8_t unitId = 0;

@@ -1,5 +1,7 @@
 #include "EcKey.h"
 
+#include "Crypto.h"
+
 #include <openssl/bn.h>
 #include <openssl/ec.h>
 #include <openssl/evp.h>
@@ -13,13 +15,6 @@ namespace {
 
 using Number = std::shared_ptr<BIGNUM>;
 using Context = std::unique_ptr<BN_CTX, decltype(&BN_CTX_free)>;
-
-void require(bool done, const char* what)
-{
-    if (!done) {
-        throw std::runtime_error(what);
-    }
-}
 
 Number number()
 {
@@ -194,7 +189,7 @@ EcKey EcKey::fromLabel(Curve curve, const std::string& label)
 {
     const std::string text = std::string(describe(curve).name) + ' ' + label;
     Bytes seed;
-    for (const std::uint32_t part : {0u, 1u}) {
+    for (const std::uint32_t part : {0U, 1U}) {
         Bytes data(text.begin(), text.end());
         appendU8(data, part);
         appendBytes(seed, digestOf("SHA512", data));
@@ -235,7 +230,7 @@ Bytes EcKey::signDigest(const Bytes& digest) const
                 BN_mod_inverse(inverse.get(), k.get(), order, c) != nullptr &&
                 BN_mod_mul(s.get(), s.get(), inverse.get(), order, c) == 1,
             "ECDSA failed");
-    } while (BN_is_zero(r.get()) || BN_is_zero(s.get()));
+    } while (BN_is_zero(r.get()) == 1 || BN_is_zero(s.get()) == 1);
 
     const std::size_t length = describe(m_curve).fieldLength;
     Bytes signature = bytesOf(r.get(), length);

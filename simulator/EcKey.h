@@ -6,8 +6,8 @@
 
 #include <memory>
 
-typedef struct bignum_st BIGNUM;
-typedef struct ec_group_st EC_GROUP;
+using BIGNUM = struct bignum_st;
+using EC_GROUP = struct ec_group_st;
 
 namespace sim {
 

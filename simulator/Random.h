@@ -23,7 +23,7 @@ class Random
     /// 0..limit-1, all equally likely; `limit` is at least 1.
     std::uint32_t below(std::uint32_t limit)
     {
-        const std::uint32_t reject = (0u - limit) % limit;
+        const std::uint32_t reject = (0U - limit) % limit;
         std::uint32_t value = next();
         while (value < reject) {
             value = next();

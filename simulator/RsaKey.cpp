@@ -1,5 +1,7 @@
 #include "RsaKey.h"
 
+#include "Crypto.h"
+
 #include <openssl/bio.h>
 #include <openssl/bn.h>
 #include <openssl/core_names.h>
@@ -11,13 +13,6 @@
 namespace sim {
 
 namespace {
-
-void require(bool done, const char* what)
-{
-    if (!done) {
-        throw std::runtime_error(what);
-    }
-}
 
 Bytes numberOf(const EVP_PKEY* key, const char* name, std::size_t length)
 {
@@ -39,7 +34,7 @@ Bytes rsaSign(EVP_PKEY* key, int padding, const EVP_MD* md, const Bytes& block)
     require(
         context && EVP_PKEY_sign_init(context.get()) == 1 &&
             EVP_PKEY_CTX_set_rsa_padding(context.get(), padding) == 1 &&
-            (!md || EVP_PKEY_CTX_set_signature_md(context.get(), md) == 1) &&
+            (md == nullptr || EVP_PKEY_CTX_set_signature_md(context.get(), md) == 1) &&
             EVP_PKEY_sign(context.get(), out.data(), &length, block.data(), block.size()) == 1 &&
             length == out.size(),
         "RSA operation failed");

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-typedef struct evp_pkey_st EVP_PKEY;
+using EVP_PKEY = struct evp_pkey_st;
 
 namespace sim {
 

@@ -60,9 +60,7 @@ EPmAW2AqF3CkFhLDzuWKpURMjnNSjydEvf27M6gvB+IcOg==
 /// Additional information in the key identifiers: marks test keys.
 constexpr std::uint32_t TestKeyInfo = 0x544B;
 constexpr std::uint32_t KeyIssuedByAuthority = 0x01;
-constexpr std::uint8_t RootNation = 0xFD;
 
-constexpr std::size_t KeyIdLength = 8;
 /// Bytes of the certificate's content that travel inside the signature block.
 constexpr std::size_t RecoveredLength = 106;
 
@@ -71,21 +69,21 @@ Bytes rootId()
     return testKeyId(RootNation, "EC", 0);
 }
 
-void requireLength(const Bytes& field, std::size_t length)
+} // namespace
+
+void requireFieldLength(const Bytes& field, std::size_t length)
 {
     if (field.size() != length) {
         throw std::invalid_argument("certificate field of a wrong length");
     }
 }
 
-} // namespace
-
 Bytes makeCertificateG1(const RsaKey& issuer, const CertificateFieldsG1& fields)
 {
-    requireLength(fields.authority, KeyIdLength);
-    requireLength(fields.holder, KeyIdLength);
-    requireLength(fields.modulus, RsaKey::Length);
-    requireLength(fields.exponent, RsaKey::ExponentLength);
+    requireFieldLength(fields.authority, KeyIdLength);
+    requireFieldLength(fields.holder, KeyIdLength);
+    requireFieldLength(fields.modulus, RsaKey::Length);
+    requireFieldLength(fields.exponent, RsaKey::ExponentLength);
 
     Bytes content;
     appendU8(content, 0x01); // certificate profile

@@ -46,6 +46,13 @@ const RsaKey& rootPrivateKeyG1();
 const RsaKey& memberStatePrivateKeyG1();
 const RsaKey& cardPrivateKeyG1();
 
+/// Bytes of a key identifier, in either generation.
+constexpr std::size_t KeyIdLength = 8;
+/// NationNumeric of the European authority.
+constexpr std::uint8_t RootNation = 0xFD;
+/// Throws std::invalid_argument unless the field of a certificate has this length.
+void requireFieldLength(const Bytes& field, std::size_t length);
+
 /// What a verifier needs: 144 bytes, key identifier 8, modulus 128, exponent 8.
 Bytes rootKeyG1();
 /// Key identifier of an authority, marked as that of a test key in either generation.

@@ -24,9 +24,6 @@ constexpr std::uint32_t TagEffective = 0x5F25;
 constexpr std::uint32_t TagExpires = 0x5F24;
 constexpr std::uint32_t TagSignature = 0x5F37;
 
-constexpr std::size_t KeyIdLength = 8;
-constexpr std::uint8_t RootNation = 0xFD;
-
 constexpr Date PreviousRootDate = {2003, 6, 1};
 constexpr Date RootDate = {2015, 6, 1};
 
@@ -172,21 +169,14 @@ Bytes cardCertificate(
     return makeCertificateG2(memberStateKey(key.curve()), fields);
 }
 
-void requireLength(const Bytes& field, std::size_t length)
-{
-    if (field.size() != length) {
-        throw std::invalid_argument("certificate field of a wrong length");
-    }
-}
-
 } // namespace
 
 Bytes makeCertificateG2(const EcKey& issuer, const CertificateFieldsG2& fields)
 {
     const CurveDescription& curve = describe(fields.curve);
-    requireLength(fields.authority, KeyIdLength);
-    requireLength(fields.holder, KeyIdLength);
-    requireLength(fields.publicPoint, curve.pointLength());
+    requireFieldLength(fields.authority, KeyIdLength);
+    requireFieldLength(fields.holder, KeyIdLength);
+    requireFieldLength(fields.publicPoint, curve.pointLength());
 
     Bytes authorisation = AidG2;
     appendU8(authorisation, static_cast<std::uint32_t>(fields.equipment));

@@ -26,7 +26,7 @@ std::optional<Bytes> encodeText(const std::string& utf8, int codePage)
     if (codePage < FirstPart || codePage > LastPart) {
         return std::nullopt;
     }
-    const iconv_t converter = ::iconv_open(("ISO-8859-" + std::to_string(codePage)).c_str(), "UTF-8");
+    iconv_t converter = ::iconv_open(("ISO-8859-" + std::to_string(codePage)).c_str(), "UTF-8");
     // The failure value of iconv_open() is -1 made a pointer; there is no part 12.
     if (converter == reinterpret_cast<iconv_t>(-1)) { // NOLINT
         return std::nullopt;

@@ -30,7 +30,6 @@ constexpr std::uint32_t LayoutStream = 6;
 
 constexpr std::size_t VehicleRecordLength = 31;
 constexpr std::size_t PlaceRecordLength = 10;
-constexpr std::size_t ConditionRecordLength = 5;
 /// Lengths, date, presence counter and distance before the words of a day.
 constexpr std::size_t DayHeaderLength = 12;
 
@@ -184,7 +183,7 @@ Bytes makeActivity(const UsageParameters& parameters, const std::vector<Day>& da
     }
     requireParameter(oldest != days.end(), "the activity buffer is too small for the newest day");
 
-    std::size_t start = static_cast<std::size_t>(parameters.wrapPosition);
+    auto start = static_cast<std::size_t>(parameters.wrapPosition);
     if (parameters.wrapPosition < 0) {
         Random random(parameters.seed, LayoutStream);
         const int length = static_cast<int>(used);

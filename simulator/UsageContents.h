@@ -96,6 +96,9 @@ UsageContents makeUsageContents(const UsageParameters& parameters, const UsageSt
 
 // The same in either generation.
 
+/// SpecificConditionRecord
+constexpr std::size_t ConditionRecordLength = 5;
+
 /// Throws std::invalid_argument for a count of 0 and a wrap position outside the buffer.
 void check(const UsageParameters& parameters);
 /// EF_Events_Data or EF_Faults_Data.

@@ -32,9 +32,8 @@ constexpr std::uint32_t EventStreamVersion2 = 36;
 constexpr std::uint32_t FaultStreamG2 = 37;
 constexpr std::uint32_t FaultStreamVersion2 = 38;
 
-constexpr std::size_t VehicleRecordLength = 48;
-constexpr std::size_t PlaceRecordLength = 21;
-constexpr std::size_t ConditionRecordLength = 5;
+constexpr std::size_t VehicleRecordLengthG2 = 48;
+constexpr std::size_t PlaceRecordLengthG2 = 21;
 constexpr std::size_t VehicleUnitRecordLength = 10;
 constexpr std::size_t GnssRecordLength = 18;
 constexpr std::size_t AuthenticationRecordLength = 5;
@@ -42,7 +41,6 @@ constexpr std::size_t CrossingRecordLength = 17;
 constexpr std::size_t OperationRecordLength = 20;
 constexpr std::size_t LoadRecordLength = 5;
 
-constexpr std::size_t VinLength = 17;
 constexpr std::size_t SoftwareVersionLength = 4;
 constexpr std::uint32_t UnknownCoordinate = 0x7FFFFF;
 constexpr std::uint8_t UnknownAccuracy = 0xFF;
@@ -140,7 +138,7 @@ Bytes makeVehiclesUsed(
         appendBytes(record, asciiField(journey.vehicles[use.vehicle].vin, VinLength));
         records.push_back(record);
     }
-    return cyclicFile(records, parameters.vehicles, VehicleRecordLength);
+    return cyclicFile(records, parameters.vehicles, VehicleRecordLengthG2);
 }
 
 Bytes makePlaces(const UsageParametersG2& parameters, const DriverLife& life, const DriverJourney& journey)
@@ -157,7 +155,7 @@ Bytes makePlaces(const UsageParametersG2& parameters, const DriverLife& life, co
         appendFix(record, journey.placeFixes[i]);
         records.push_back(record);
     }
-    return cyclicFile(records, parameters.places, PlaceRecordLength);
+    return cyclicFile(records, parameters.places, PlaceRecordLengthG2);
 }
 
 Bytes makeSpecificConditions(const UsageParametersG2& parameters, const DriverLife& life)

@@ -15,7 +15,7 @@ constexpr std::size_t DigestLength = 20;
 constexpr std::size_t RootKeyLength = 144;
 constexpr std::size_t CertificateLength = 194;
 constexpr std::size_t RestLength = 58;
-constexpr std::size_t RecoveredLength = BlockLength - 1 - DigestLength - 1;
+constexpr std::size_t ContentInBlock = BlockLength - 1 - DigestLength - 1;
 
 constexpr std::uint8_t RecoveryHeader = 0x6A;
 constexpr std::uint8_t RecoveryTrailer = 0xBC;
@@ -24,11 +24,11 @@ constexpr std::uint8_t RecoveryTrailer = 0xBC;
 constexpr std::array<std::uint8_t, 15> Sha1Info = {0x30, 0x21, 0x30, 0x09, 0x06, 0x05, 0x2B, 0x0E,
                                                    0x03, 0x02, 0x1A, 0x05, 0x00, 0x04, 0x14};
 
-using Number = std::unique_ptr<BIGNUM, decltype(&BN_free)>;
+using BigNumber = std::unique_ptr<BIGNUM, decltype(&BN_free)>;
 
-Number number(const Bytes& bytes)
+BigNumber number(const Bytes& bytes)
 {
-    return Number(BN_bin2bn(bytes.data(), static_cast<int>(bytes.size()), nullptr), &BN_free);
+    return BigNumber(BN_bin2bn(bytes.data(), static_cast<int>(bytes.size()), nullptr), &BN_free);
 }
 
 /// The public operation: signature ^ e mod n in 128 bytes; nullopt for numbers no key has.
@@ -37,10 +37,10 @@ std::optional<Bytes> open(const PublicKeyG1& key, const Bytes& signature)
     if (signature.size() != BlockLength || key.modulus.size() != BlockLength) {
         return std::nullopt;
     }
-    const Number base = number(signature);
-    const Number exponent = number(key.exponent);
-    const Number modulus = number(key.modulus);
-    const Number result(BN_new(), &BN_free);
+    const BigNumber base = number(signature);
+    const BigNumber exponent = number(key.exponent);
+    const BigNumber modulus = number(key.modulus);
+    const BigNumber result(BN_new(), &BN_free);
     const std::unique_ptr<BN_CTX, decltype(&BN_CTX_free)> context(BN_CTX_new(), &BN_CTX_free);
     if (!base || !exponent || !modulus || !result || !context || BN_cmp(base.get(), modulus.get()) >= 0 ||
         BN_mod_exp(result.get(), base.get(), exponent.get(), modulus.get(), context.get()) != 1) {
@@ -101,10 +101,10 @@ std::optional<CertificateContentG1> verifyCertificateG1(const Bytes& certificate
         return std::nullopt;
     }
 
-    Bytes content = slice(*block, 1, RecoveredLength);
+    Bytes content = slice(*block, 1, ContentInBlock);
     const Bytes rest = slice(certificate, BlockLength, RestLength);
     content.insert(content.end(), rest.begin(), rest.end());
-    if (digestOf(content) != slice(*block, 1 + RecoveredLength, DigestLength)) {
+    if (digestOf(content) != slice(*block, 1 + ContentInBlock, DigestLength)) {
         return std::nullopt;
     }
 

@@ -177,7 +177,7 @@ Bytes derOf(const Bytes& plain)
     }
     unsigned char* encoded = nullptr;
     const int length = i2d_ECDSA_SIG(signature.get(), &encoded);
-    const Bytes der(encoded, encoded + (length > 0 ? length : 0));
+    Bytes der(encoded, encoded + (length > 0 ? length : 0));
     OPENSSL_free(encoded);
     return der;
 }

@@ -59,7 +59,7 @@ VpcdLink::~VpcdLink()
     ::close(m_stopEvent);
 }
 
-void VpcdLink::stop() noexcept
+void VpcdLink::stop() const noexcept
 {
     // Never read back, so that a stop before run() is not lost.
     const int before = errno;

@@ -36,7 +36,7 @@ class VpcdLink
     End run();
 
     /// Ends connect() and run() now and for good. Any thread, also a signal handler.
-    void stop() noexcept;
+    void stop() const noexcept;
     bool isStopped() const;
 
   private:

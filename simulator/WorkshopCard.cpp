@@ -1,5 +1,7 @@
 #include "WorkshopCard.h"
 
+#include "CardFiles.h"
+
 namespace sim {
 
 namespace {

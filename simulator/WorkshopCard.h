@@ -1,7 +1,6 @@
 // Whole workshop cards: contents, access rights and keys put together.
 #pragma once
 
-#include "CardFiles.h"
 #include "WorkshopContents.h"
 
 namespace sim {

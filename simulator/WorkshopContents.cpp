@@ -14,21 +14,18 @@ namespace sim {
 namespace {
 
 constexpr std::uint32_t WorkshopStream = 51;
-constexpr std::uint32_t SerialStream = 52;
+constexpr std::uint32_t WorkshopSerialStream = 52;
 constexpr std::uint32_t SensorStream = 53;
 constexpr std::uint32_t IssueStream = 54;
 
-constexpr std::size_t ConditionRecords = 2;
+constexpr std::size_t WorkshopConditionRecords = 2;
 constexpr std::size_t MostCalibrations = 368;
 constexpr int MostUsedCalibrations = 0xFFFF;
-constexpr int YearsOfValidity = 1;
-constexpr std::uint32_t EarliestTime = 946684800; // 2000-01-01
-constexpr std::uint32_t LatestTime = 3786912000;  // 2090-01-01
+constexpr int WorkshopCardYears = 1;
 
 constexpr std::size_t CalibrationLength = 105;
 constexpr std::size_t CalibrationLengthG2 = 178;
 constexpr std::size_t AddDataLength = 27;
-constexpr std::size_t VinLength = 17;
 constexpr std::size_t TyreSizeLength = 15;
 constexpr std::size_t PartNumberLength = 16;
 constexpr std::size_t SealRecords = 5;
@@ -55,7 +52,7 @@ void check(const WorkshopParameters& parameters)
 
 UsageParameters workshopUsage(const WorkshopParameters& parameters)
 {
-    return usageParameters(parameters, ConditionRecords);
+    return usageParameters(parameters, WorkshopConditionRecords);
 }
 
 /// The part of CalibrationRecord that both generations have.
@@ -243,7 +240,7 @@ WorkshopStory makeWorkshopStory(
     WorkshopStory story;
     story.issued =
         oldest - oldest % SecondsPerDay - static_cast<std::uint32_t>(random.between(3, 20)) * SecondsPerDay;
-    story.expires = endAfterYears(story.issued, YearsOfValidity);
+    story.expires = endAfterYears(story.issued, WorkshopCardYears);
     story.calibrations = std::move(life.calibrations);
     story.identities = std::move(life.identities);
     story.usage = tellUsage(parameters.seed, std::move(life.usage));
@@ -283,7 +280,7 @@ WorkshopContents makeFirstApplication(
     const WorkshopParameters& parameters, const WorkshopStory& story, const CalibrationRing& ring,
     const std::string& approval)
 {
-    Random serials(parameters.seed, SerialStream);
+    Random serials(parameters.seed, WorkshopSerialStream);
     WorkshopContents contents;
     contents.icc =
         makeIcc(makeExtendedSerialNumber(serials.next(), story.issued, Equipment::Workshop), approval);

@@ -11,15 +11,15 @@ namespace sim {
 namespace {
 
 constexpr std::uint32_t VisitStream = 48;
-constexpr std::uint32_t VehicleStream = 49;
+constexpr std::uint32_t FittedVehicleStream = 49;
 constexpr std::uint32_t DayStream = 50;
 
 /// Visits of which the test drives are told.
 constexpr std::size_t ToldVisits = 24;
 
 // Minutes of a day in UTC.
-constexpr int EarliestBegin = 390;
-constexpr int LatestEnd = 990;
+constexpr int EarliestVisitBegin = 390;
+constexpr int LatestVisitEnd = 990;
 
 /// In minutes of its day; the calibration takes place in the work before the first drive.
 struct Visit
@@ -75,12 +75,12 @@ class Diary
         const CalibrationPurpose purpose = choosePurpose(m_random);
         const Visit& later = m_visits.back();
         const int latestEnd = later.begin - m_random.between(10, 60);
-        const bool sameDay = latestEnd - LongestVisit >= EarliestBegin && m_random.chance(65);
+        const bool sameDay = latestEnd - LongestVisit >= EarliestVisitBegin && m_random.chance(65);
         std::uint32_t day = sameDay ? later.day : workingDayBefore(later.day);
         if (!sameDay && m_random.chance(8)) {
             day = workingDayBefore(day);
         }
-        const int end = sameDay ? latestEnd : m_random.between(LatestEnd - 90, LatestEnd);
+        const int end = sameDay ? latestEnd : m_random.between(LatestVisitEnd - 90, LatestVisitEnd);
         const auto minute = static_cast<std::uint32_t>(end - LongestAfter);
         add(day + minute * SecondsPerMinute + m_random.below(SecondsPerMinute), purpose);
     }
@@ -131,7 +131,7 @@ const std::vector<Tyre>& tyres()
 class Fitter
 {
   public:
-    Fitter(std::uint32_t seed, std::uint8_t nation) : m_random(seed, VehicleStream), m_nation(nation) {}
+    Fitter(std::uint32_t seed, std::uint8_t nation) : m_random(seed, FittedVehicleStream), m_nation(nation) {}
 
     Calibration calibrate(const Visit& visit)
     {

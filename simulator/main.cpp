@@ -77,70 +77,6 @@ Faults
 
 constexpr int ExitUsage = 2;
 
-enum Option : int
-{
-    Host = 1,
-    Port,
-    ConnectTimeout,
-    BitRate,
-    Kind,
-    Seed,
-    Nation,
-    CodePage,
-    LastDay,
-    RefuseHash,
-    RefuseSign,
-    Events,
-    Faults,
-    Activity,
-    Vehicles,
-    Places,
-    Surname,
-    FirstNames,
-    Days,
-    Calibrations,
-    UsedCalibrations,
-    Firm,
-    Activities,
-    CurveName,
-    Certificates,
-    PullAt,
-    FailAt,
-    Help,
-};
-
-constexpr option Options[] = {
-    {"host", required_argument, nullptr, Host},
-    {"port", required_argument, nullptr, Port},
-    {"connect-timeout", required_argument, nullptr, ConnectTimeout},
-    {"bit-rate", required_argument, nullptr, BitRate},
-    {"kind", required_argument, nullptr, Kind},
-    {"seed", required_argument, nullptr, Seed},
-    {"nation", required_argument, nullptr, Nation},
-    {"code-page", required_argument, nullptr, CodePage},
-    {"last-day", required_argument, nullptr, LastDay},
-    {"refuse-hash", required_argument, nullptr, RefuseHash},
-    {"refuse-sign", required_argument, nullptr, RefuseSign},
-    {"events", required_argument, nullptr, Events},
-    {"faults", required_argument, nullptr, Faults},
-    {"activity", required_argument, nullptr, Activity},
-    {"vehicles", required_argument, nullptr, Vehicles},
-    {"places", required_argument, nullptr, Places},
-    {"surname", required_argument, nullptr, Surname},
-    {"first-names", required_argument, nullptr, FirstNames},
-    {"days", required_argument, nullptr, Days},
-    {"calibrations", required_argument, nullptr, Calibrations},
-    {"used-calibrations", required_argument, nullptr, UsedCalibrations},
-    {"firm", required_argument, nullptr, Firm},
-    {"activities", required_argument, nullptr, Activities},
-    {"curve", required_argument, nullptr, CurveName},
-    {"certificates", required_argument, nullptr, Certificates},
-    {"pull-at", required_argument, nullptr, PullAt},
-    {"fail-at", required_argument, nullptr, FailAt},
-    {"help", no_argument, nullptr, Help},
-    {nullptr, 0, nullptr, 0},
-};
-
 /// The whole text as a number from 0 to what T holds.
 template <typename T>
 T number(const std::string& text, int base = 10)
@@ -274,122 +210,150 @@ void setLastDay(Cards& cards, std::uint32_t midnight)
     cards.company.first.lastActivity = noon;
 }
 
-void apply(int option, const std::string& value, Settings& settings)
+void setSurname(Settings& settings, const std::string& value)
 {
-    Cards& cards = settings.cards;
-    switch (option) {
-    case Host:
-        settings.host = value;
-        break;
-    case Port:
-        settings.port = number<std::uint16_t>(value);
-        break;
-    case ConnectTimeout:
-        settings.connectTimeout = std::chrono::seconds(number<std::uint16_t>(value));
-        break;
-    case BitRate:
-        settings.bitRate = number<std::uint32_t>(value);
-        break;
-    case Kind:
-        settings.kind = value;
-        break;
-    case Seed:
-        cards.ofEachKind([&](auto& card) { card.first.seed = number<std::uint32_t>(value); });
-        break;
-    case Nation:
-        cards.ofEachKind([&](auto& card) { card.first.nation = number<std::uint8_t>(value, 16); });
-        break;
-    case CodePage:
-        cards.ofEachKind([&](auto& card) { card.first.codePage = number<std::uint8_t>(value); });
-        break;
-    case LastDay:
-        setLastDay(cards, day(value));
-        break;
-    case RefuseHash:
-        settings.hashRefused = number<std::uint16_t>(value, 16);
-        break;
-    case RefuseSign:
-        settings.signRefused = number<std::uint16_t>(value, 16);
-        break;
-    case Events:
-        cards.ofEachUsed([&](auto& card) { card.eventsPerType = number<std::uint8_t>(value); });
-        break;
-    case Faults:
-        cards.ofEachUsed([&](auto& card) { card.faultsPerType = number<std::uint8_t>(value); });
-        break;
-    case Activity:
-        cards.ofEachUsed([&](auto& card) { card.activityLength = number<std::uint16_t>(value); });
-        break;
-    case Vehicles:
-        cards.ofEachUsed([&](auto& card) { card.vehicles = number<std::uint16_t>(value); });
-        break;
-    case Places:
-        cards.ofEachUsed([&](auto& card) { card.places = number<std::uint8_t>(value); });
-        break;
-    case Surname:
-        cards.driver.first.surname = value;
-        cards.workshop.first.surname = value;
-        break;
-    case FirstNames:
-        cards.driver.first.firstNames = value;
-        cards.workshop.first.firstNames = value;
-        break;
-    case Days:
-        cards.driver.first.days = number<std::uint16_t>(value);
-        break;
-    case Calibrations:
-        cards.workshop.first.calibrations = number<std::uint8_t>(value);
-        cards.workshop.calibrations = cards.workshop.first.calibrations;
-        break;
-    case UsedCalibrations:
-        cards.workshop.first.usedCalibrations = number<std::uint16_t>(value);
-        break;
-    case Firm:
-        cards.workshop.first.workshopName = value;
-        cards.company.first.companyName = value;
-        break;
-    case Activities:
-        cards.ofEachOffice([&](auto& card) { card.activityRecords = number<std::uint16_t>(value); });
-        break;
-    case CurveName:
-        cards.ofEachKind([&](auto& card) { card.curve = sim::curveOf(value); });
-        break;
-    case Certificates:
-        cards.ofEachKind([&](auto& card) {
-            card.certificateFiles = certificateFiles(value);
-            card.linkCertificate = card.certificateFiles;
-        });
-        break;
-    case PullAt:
-        settings.faults.emplace_back(number<std::uint32_t>(value), sim::Fault::pulled());
-        break;
-    case FailAt: {
-        const std::size_t colon = value.find(':');
-        if (colon == std::string::npos) {
-            throw std::invalid_argument("not a command number and a status word: '" + value + "'");
-        }
-        settings.faults.emplace_back(
-            number<std::uint32_t>(value.substr(0, colon)),
-            sim::Fault::status(number<std::uint16_t>(value.substr(colon + 1), 16)));
-        break;
-    }
-    case Help:
-        settings.help = true;
-        break;
-    default:
-        throw std::invalid_argument("see --help");
-    }
+    settings.cards.driver.first.surname = value;
+    settings.cards.workshop.first.surname = value;
 }
+
+void setFirstNames(Settings& settings, const std::string& value)
+{
+    settings.cards.driver.first.firstNames = value;
+    settings.cards.workshop.first.firstNames = value;
+}
+
+void setFirm(Settings& settings, const std::string& value)
+{
+    settings.cards.workshop.first.workshopName = value;
+    settings.cards.company.first.companyName = value;
+}
+
+void setCalibrations(Settings& settings, const std::string& value)
+{
+    settings.cards.workshop.first.calibrations = number<std::uint8_t>(value);
+    settings.cards.workshop.calibrations = settings.cards.workshop.first.calibrations;
+}
+
+void setCertificates(Settings& settings, const std::string& value)
+{
+    const sim::CertificateFiles form = certificateFiles(value);
+    settings.cards.ofEachKind([form](auto& card) {
+        card.certificateFiles = form;
+        card.linkCertificate = form;
+    });
+}
+
+void addRefusal(Settings& settings, const std::string& value)
+{
+    const std::size_t colon = value.find(':');
+    if (colon == std::string::npos) {
+        throw std::invalid_argument("not a command number and a status word: '" + value + "'");
+    }
+    settings.faults.emplace_back(
+        number<std::uint32_t>(value.substr(0, colon)),
+        sim::Fault::status(number<std::uint16_t>(value.substr(colon + 1), 16)));
+}
+
+using Value = const std::string&;
+
+struct Option
+{
+    const char* name;
+    void (*set)(Settings& to, Value value);
+    int argument = required_argument;
+};
+
+// In the order of the usage text.
+constexpr Option Options[] = {
+    {"host", [](Settings& to, Value value) { to.host = value; }},
+    {"port", [](Settings& to, Value value) { to.port = number<std::uint16_t>(value); }},
+    {"connect-timeout",
+     [](Settings& to, Value value) {
+         to.connectTimeout = std::chrono::seconds(number<std::uint16_t>(value));
+     }},
+    {"bit-rate", [](Settings& to, Value value) { to.bitRate = number<std::uint32_t>(value); }},
+    {"kind", [](Settings& to, Value value) { to.kind = value; }},
+    {"seed",
+     [](Settings& to, Value value) {
+         to.cards.ofEachKind([&](auto& card) { card.first.seed = number<std::uint32_t>(value); });
+     }},
+    {"nation",
+     [](Settings& to, Value value) {
+         to.cards.ofEachKind([&](auto& card) { card.first.nation = number<std::uint8_t>(value, 16); });
+     }},
+    {"code-page",
+     [](Settings& to, Value value) {
+         to.cards.ofEachKind([&](auto& card) { card.first.codePage = number<std::uint8_t>(value); });
+     }},
+    {"last-day", [](Settings& to, Value value) { setLastDay(to.cards, day(value)); }},
+    {"refuse-hash", [](Settings& to, Value value) { to.hashRefused = number<std::uint16_t>(value, 16); }},
+    {"refuse-sign", [](Settings& to, Value value) { to.signRefused = number<std::uint16_t>(value, 16); }},
+    {"events",
+     [](Settings& to, Value value) {
+         to.cards.ofEachUsed([&](auto& card) { card.eventsPerType = number<std::uint8_t>(value); });
+     }},
+    {"faults",
+     [](Settings& to, Value value) {
+         to.cards.ofEachUsed([&](auto& card) { card.faultsPerType = number<std::uint8_t>(value); });
+     }},
+    {"activity",
+     [](Settings& to, Value value) {
+         to.cards.ofEachUsed([&](auto& card) { card.activityLength = number<std::uint16_t>(value); });
+     }},
+    {"vehicles",
+     [](Settings& to, Value value) {
+         to.cards.ofEachUsed([&](auto& card) { card.vehicles = number<std::uint16_t>(value); });
+     }},
+    {"places",
+     [](Settings& to, Value value) {
+         to.cards.ofEachUsed([&](auto& card) { card.places = number<std::uint8_t>(value); });
+     }},
+    {"surname", setSurname},
+    {"first-names", setFirstNames},
+    {"days", [](Settings& to, Value value) { to.cards.driver.first.days = number<std::uint16_t>(value); }},
+    {"calibrations", setCalibrations},
+    {"used-calibrations",
+     [](Settings& to, Value value) {
+         to.cards.workshop.first.usedCalibrations = number<std::uint16_t>(value);
+     }},
+    {"firm", setFirm},
+    {"activities",
+     [](Settings& to, Value value) {
+         to.cards.ofEachOffice([&](auto& card) { card.activityRecords = number<std::uint16_t>(value); });
+     }},
+    {"curve",
+     [](Settings& to, Value value) {
+         to.cards.ofEachKind([&](auto& card) { card.curve = sim::curveOf(value); });
+     }},
+    {"certificates", setCertificates},
+    {"pull-at",
+     [](Settings& to, Value value) {
+         to.faults.emplace_back(number<std::uint32_t>(value), sim::Fault::pulled());
+     }},
+    {"fail-at", addRefusal},
+    {"help", [](Settings& to, Value) { to.help = true; }, no_argument},
+};
 
 Settings parse(int argc, char** argv)
 {
+    constexpr int Known = 1;
+    std::vector<option> options;
+    for (const Option& each : Options) {
+        options.push_back({each.name, each.argument, nullptr, Known});
+    }
+    options.push_back({});
+
     Settings settings;
     while (true) {
-        const int option = ::getopt_long(argc, argv, "", Options, nullptr);
-        if (option == -1) {
+        int index = 0;
+        const int found = ::getopt_long(argc, argv, "", options.data(), &index);
+        if (found == -1) {
             break;
         }
-        apply(option, optarg ? optarg : "", settings);
+        if (found != Known) {
+            throw std::invalid_argument("see --help");
+        }
+        Options[index].set(settings, optarg != nullptr ? optarg : "");
     }
     if (optind < argc) {
         throw std::invalid_argument(std::string("unexpected argument: '") + argv[optind] + "'");

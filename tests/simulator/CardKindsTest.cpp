@@ -507,11 +507,6 @@ TEST_P(CardOfACurve, ofABodyHasNoKeyForSignatures)
     }
 }
 
-std::string curveName(const testing::TestParamInfo<sim::CurveDescription>& tested)
-{
-    return tested.param.groupName;
-}
-
 INSTANTIATE_TEST_SUITE_P(All, CardOfACurve, testing::ValuesIn(sim::curves()), curveName);
 
 TEST(CertificatesOfACard, areFilledInTheFormAskedFor)

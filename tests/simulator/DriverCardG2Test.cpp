@@ -135,11 +135,6 @@ TEST_P(WholeCardOfACurve, signsWithTheLengthOfItsCurveOnly)
     EXPECT_EQ(toHex(ask(card, "00 2A 9E 9A 00")), "67 00");
 }
 
-std::string curveName(const testing::TestParamInfo<sim::CurveDescription>& tested)
-{
-    return tested.param.groupName;
-}
-
 INSTANTIATE_TEST_SUITE_P(All, WholeCardOfACurve, testing::ValuesIn(sim::curves()), curveName);
 
 TEST_F(WholeCardG2, signsInEachApplicationWithItsOwnKey)

@@ -198,11 +198,6 @@ TEST_P(EveryCurve, hasASignerThatGoesTheTwoStepsOfACard)
     EXPECT_EQ(signer.signHash(signer.hash(data)), m_key.sign(data));
 }
 
-std::string curveName(const testing::TestParamInfo<sim::CurveDescription>& tested)
-{
-    return tested.param.groupName;
-}
-
 INSTANTIATE_TEST_SUITE_P(All, EveryCurve, testing::ValuesIn(sim::curves()), curveName);
 
 TEST(Sha2, isThatOfTheCurvesSize)

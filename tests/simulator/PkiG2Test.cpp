@@ -1,5 +1,6 @@
 // The second-generation keys of the simulator, proven with the verifier that knows only public keys.
 
+#include "RowName.h"
 #include "TestPkiG2.h"
 #include "TimeReal.h"
 #include "VerifyG2.h"
@@ -171,11 +172,6 @@ TEST_P(CertificatesG2, nameTheKindOfCard)
             EXPECT_THROW(sim::cardSignCertificateG2(m_curve, card), std::invalid_argument);
         }
     }
-}
-
-std::string curveName(const testing::TestParamInfo<sim::CurveDescription>& tested)
-{
-    return tested.param.groupName;
 }
 
 INSTANTIATE_TEST_SUITE_P(All, CertificatesG2, testing::ValuesIn(sim::curves()), curveName);

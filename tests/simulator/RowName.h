@@ -1,6 +1,8 @@
 // Names of table-driven tests: what the row calls itself.
 #pragma once
 
+#include "Curve.h"
+
 #include <gtest/gtest.h>
 #include <string>
 
@@ -12,3 +14,8 @@ struct RowName
         return tested.param.name;
     }
 };
+
+inline std::string curveName(const testing::TestParamInfo<sim::CurveDescription>& tested)
+{
+    return tested.param.groupName;
+}

@@ -1,4 +1,4 @@
-#include "DriverFiles.h"
+#include "DriverStory.h"
 
 #include "Nations.h"
 #include "Text.h"
@@ -11,14 +11,14 @@ namespace sim {
 namespace {
 
 constexpr std::uint32_t PersonStream = 2;
-constexpr std::uint32_t SerialStream = 4;
+constexpr std::uint32_t DriverSerialStream = 4;
 constexpr std::uint32_t ChipStream = 5;
 
 constexpr std::size_t DriverIdLength = 14;
 constexpr std::size_t LicenceNumberLength = 16;
-constexpr std::size_t ConditionRecords = 56;
+constexpr std::size_t DriverConditionRecords = 56;
 
-constexpr int YearsOfValidity = 5;
+constexpr int DriverCardYears = 5;
 /// So that the card is valid on all of them.
 constexpr int MostDays = 800;
 constexpr std::uint32_t EarliestDay = 631152000; // 1990-01-01
@@ -64,7 +64,7 @@ Person makePerson(const DriverParameters& parameters)
     person.birth.day = random.between(1, 28);
 
     person.issued = firstDay - static_cast<std::uint32_t>(random.between(60, 900)) * SecondsPerDay;
-    person.expires = endAfterYears(person.issued, YearsOfValidity);
+    person.expires = endAfterYears(person.issued, DriverCardYears);
 
     replaceUnlessEmpty(person.surname, parameters.surname);
     replaceUnlessEmpty(person.firstNames, parameters.firstNames);
@@ -85,7 +85,7 @@ DriverStory makeDriverStory(const DriverParameters& parameters)
 
 UsageParameters driverUsage(const DriverParameters& parameters)
 {
-    UsageParameters usage = usageParameters(parameters, ConditionRecords);
+    UsageParameters usage = usageParameters(parameters, DriverConditionRecords);
     usage.wrapPosition = parameters.wrapPosition;
     return usage;
 }
@@ -93,7 +93,7 @@ UsageParameters driverUsage(const DriverParameters& parameters)
 MasterContents
 makeMasterContents(const DriverParameters& parameters, const Person& person, const std::string& approval)
 {
-    Random serialRandom(parameters.seed, SerialStream);
+    Random serialRandom(parameters.seed, DriverSerialStream);
     Random chipRandom(parameters.seed, ChipStream);
     MasterContents contents;
     contents.icc =
