@@ -9,7 +9,7 @@ namespace scard {
 
 namespace {
 
-constexpr detail::EfName names[] = {
+constexpr detail::EfName efNames[] = {
     detail::efIcc,
     detail::efIc,
     detail::efApplicationIdentification,
@@ -40,6 +40,12 @@ constexpr detail::EfName names[] = {
     detail::efCardSignCertificate,
     detail::efCaCertificate,
     detail::efLinkCertificate,
+    detail::efExtendedLength,
+    detail::efSensorInstallationData,
+    detail::efControllerActivityData,
+    detail::efVuConfiguration,
+    detail::efDir,
+    detail::efAtrInfo,
 };
 
 } // namespace
@@ -49,8 +55,10 @@ QString efName(unsigned short fid, bool secondGeneration)
     if (secondGeneration && fid == detail::efMaCertificate.fid)
         return QString::fromLatin1(detail::efMaCertificate.name);
     const auto* name =
-        std::find_if(std::begin(names), std::end(names), [fid](const detail::EfName& each) { return each.fid == fid; });
-    return name == std::end(names) ? QString() : QString::fromLatin1(name->name);
+        std::find_if(std::begin(efNames), std::end(efNames), [fid](const detail::EfName& each) {
+            return each.fid == fid;
+        });
+    return name == std::end(efNames) ? QString() : QString::fromLatin1(name->name);
 }
 
 } // namespace scard

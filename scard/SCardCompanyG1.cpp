@@ -4,12 +4,12 @@
 #include <scard/detail/CompanyG1Table.h>
 #include <scard/detail/CompanyValues.h>
 #include <scard/detail/ErrorBuilder.h>
-#include <scard/records/Fid.h>
 #include <scard/detail/FileName.h>
+#include <scard/records/Fid.h>
 
 namespace scard {
 
-struct SCardCompanyG1::Private
+struct Q_DECL_HIDDEN SCardCompanyG1::Private
 {
     detail::CardApplication application{detail::companyG1Table()};
 };

@@ -4,12 +4,12 @@
 #include <scard/detail/CompanyG2Table.h>
 #include <scard/detail/CompanyValues.h>
 #include <scard/detail/ErrorBuilder.h>
-#include <scard/records/Fid.h>
 #include <scard/detail/RecordFields.h>
+#include <scard/records/Fid.h>
 
 namespace scard {
 
-struct SCardCompanyG2::Private
+struct Q_DECL_HIDDEN SCardCompanyG2::Private
 {
     detail::CardApplication application{detail::companyG2Table()};
 };

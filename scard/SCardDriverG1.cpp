@@ -4,11 +4,11 @@
 #include <scard/detail/DriverG1Table.h>
 #include <scard/detail/DrivingTime.h>
 #include <scard/detail/ErrorBuilder.h>
-#include <scard/records/Fid.h>
 #include <scard/detail/FileName.h>
 #include <scard/detail/HolderName.h>
 #include <scard/detail/RecordFields.h>
 #include <scard/detail/SortByTime.h>
+#include <scard/records/Fid.h>
 
 #include <utility>
 
@@ -16,7 +16,7 @@ namespace scard {
 
 using detail::ledByStep;
 
-struct SCardDriverG1::Private
+struct Q_DECL_HIDDEN SCardDriverG1::Private
     : detail::DriverData<DriverCardApplicationIdentification_g1, SCardDriverG1::_VEHICLE_USAGE_INFO>
 {
     Private() : DriverData(detail::driverG1Table()) {}
@@ -216,8 +216,7 @@ aux::Error SCardDriverG1::updateLastCardDownload()
 {
     const auto now = static_cast<std::uint32_t>(QDateTime::currentSecsSinceEpoch() & 0xFFFFFFFF);
     const auto stamp = toBigEndian<sizeof(TimeReal)>(now);
-    return detail::CardApplication::recordDownload(
-        *this, fidCardDownload, {stamp.begin(), stamp.end()});
+    return detail::CardApplication::recordDownload(*this, fidCardDownload, {stamp.begin(), stamp.end()});
 }
 
 void SCardDriverG1::announceHolder()

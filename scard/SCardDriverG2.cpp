@@ -3,16 +3,16 @@
 #include <scard/detail/DriverData.h>
 #include <scard/detail/DriverG2Table.h>
 #include <scard/detail/ErrorBuilder.h>
-#include <scard/records/Fid.h>
 #include <scard/detail/HolderName.h>
 #include <scard/detail/RecordFields.h>
 #include <scard/detail/SortByTime.h>
+#include <scard/records/Fid.h>
 
 namespace scard {
 
 using detail::ledByStep;
 
-struct SCardDriverG2::Private
+struct Q_DECL_HIDDEN SCardDriverG2::Private
     : detail::DriverData<DriverCardApplicationIdentification_g2, SCardDriverG2::_VEHICLE_USAGE_INFO_G2>
 {
     Private() : DriverData(detail::driverG2Table()) {}
@@ -130,8 +130,7 @@ std::vector<SCardDriverG1::_FAULT> SCardDriverG2::getFaultsG2() const
 
 std::vector<Place> SCardDriverG2::getPlacesG2() const
 {
-    return detail::placesG2(
-        d->application.bytes(fidPlaces), d->application.bytes(fidPlacesAuthentication));
+    return detail::placesG2(d->application.bytes(fidPlaces), d->application.bytes(fidPlacesAuthentication));
 }
 
 std::vector<SpecificCondition> SCardDriverG2::getSpecificConditionsG2() const
@@ -162,8 +161,7 @@ std::vector<VehicleUnit> SCardDriverG2::getVehicleUnits() const
 std::vector<GnssPlace> SCardDriverG2::getGnssPlaces() const
 {
     return detail::gnssPlaces(
-        d->application.bytes(fidGnssPlaces),
-        d->application.bytes(fidGnssPlacesAuthentication));
+        d->application.bytes(fidGnssPlaces), d->application.bytes(fidGnssPlacesAuthentication));
 }
 
 std::vector<BorderCrossing> SCardDriverG2::getBorderCrossings() const

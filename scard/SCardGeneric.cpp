@@ -3,11 +3,11 @@
 #include <scard/detail/Apdu.h>
 #include <scard/detail/ApplicationName.h>
 #include <scard/detail/ErrorBuilder.h>
-#include <scard/records/Fid.h>
 #include <scard/detail/ImageRecord.h>
 #include <scard/detail/PcscError.h>
 #include <scard/detail/RecordWriter.h>
 #include <scard/detail/TextField.h>
+#include <scard/records/Fid.h>
 
 #include <QByteArray>
 #include <QDebug>
@@ -55,14 +55,13 @@ aux::Error sendForStatus(SCardGeneric& card, unsigned char* command, std::size_t
 
 } // namespace
 
-struct SCardGeneric::Private
+struct Q_DECL_HIDDEN SCardGeneric::Private
 {
     Private(long handle, QDateTime timestamp, FilenameRegion filenameRegion)
         : region(filenameRegion), downloadTimestamp(std::move(timestamp)), cardHandle(handle)
     {}
 
     // These belong to one object's own dialogue; a copy starts anew.
-    unsigned short statusWord = detail::statusSuccess;
     std::uint32_t bytesRead = 0;
     std::uint32_t bytesToRead = 0;
     bool cardInfoAvailable = false;
@@ -81,6 +80,12 @@ struct SCardGeneric::Private
     QByteArray image;
     bool imagePresent = false;
     bool secondGenerationSelected = false;
+
+    /// Reads EF_ICC and EF_IC; what cannot be read is only told.
+    void readChip(SCardGeneric& card);
+
+    /// Selects the application of the newer generation, and keeps which one it is.
+    aux::Error selectGeneration(SCardGeneric& card);
 
     bool hasCard() const { return cardHandle != 0; }
     bool hasImageOnly() const { return !hasCard() && imagePresent; }
@@ -123,7 +128,6 @@ SCardGeneric::SCardGeneric(QFile& image, QDateTime downloadTimestamp, FilenameRe
 
 SCardGeneric::SCardGeneric(const SCardGeneric& other) : QObject(), d(std::make_unique<Private>(*other.d))
 {
-    d->statusWord = detail::statusSuccess;
     d->bytesRead = 0;
     d->bytesToRead = 0;
     d->cardInfoAvailable = false;
@@ -163,39 +167,50 @@ aux::Error SCardGeneric::extraTask()
 
 // Identification
 
+void SCardGeneric::Private::readChip(SCardGeneric& card)
+{
+    qDebug().noquote() << "\nEF_ICC";
+    try {
+        icc = card.readFrom<CardIccIdentification>(fidIcc, 0, false);
+    } catch (const aux::Error& failure) {
+        qDebug().noquote() << "Error reading EF_ICC:" << failure;
+    }
+    qDebug().noquote() << "\nEF_IC";
+    try {
+        ic = card.readFrom<CardIcIdentification>(fidIc, 0, false);
+    } catch (const aux::Error& failure) {
+        qDebug().noquote() << "Error reading EF_IC:" << failure;
+    }
+}
+
+aux::Error SCardGeneric::Private::selectGeneration(SCardGeneric& card)
+{
+    // Only a clean "file not found" leads to the first generation: a card that refuses the second
+    // generation's name for another reason still has that application.
+    aux::Error selection = card.ScSelectFile(detail::secondGenerationApplication());
+    secondGeneration = detail::firstId(selection) != detail::statusFileNotFound;
+    if (secondGeneration)
+        return {};
+    selection = card.ScSelectFile(detail::firstGenerationApplication());
+    if (selection.isEmpty())
+        return {};
+    return withStep(std::move(selection), QStringLiteral("read() Identify Card Generation failed"));
+}
+
 aux::Error SCardGeneric::readCardInfo()
 {
     d->cardInfoAvailable = false;
     d->bytesRead = 0;
     d->bytesToRead = 0;
 
-    qDebug().noquote() << "\nEF_ICC";
-    try {
-        d->icc = readFrom<CardIccIdentification>(fidIcc, 0, false);
-    } catch (const aux::Error& failure) {
-        qDebug().noquote() << "Error reading EF_ICC:" << failure;
-    }
-    qDebug().noquote() << "\nEF_IC";
-    try {
-        d->ic = readFrom<CardIcIdentification>(fidIc, 0, false);
-    } catch (const aux::Error& failure) {
-        qDebug().noquote() << "Error reading EF_IC:" << failure;
-    }
-
-    // Only a clean "file not found" leads to the first generation: a card that refuses the second
-    // generation's name for another reason still has that application.
-    aux::Error selection = ScSelectFile(detail::secondGenerationApplication());
-    d->secondGeneration = detail::firstId(selection) != detail::statusFileNotFound;
-    if (!d->secondGeneration) {
-        selection = ScSelectFile(detail::firstGenerationApplication());
-        if (!selection.isEmpty())
-            return withStep(std::move(selection), QStringLiteral("read() Identify Card Generation failed"));
-    }
+    d->readChip(*this);
+    aux::Error selection = d->selectGeneration(*this);
+    if (!selection.isEmpty())
+        return selection;
 
     GenericCardApplicationIdentification application{};
     try {
-        application =
-            readFrom<GenericCardApplicationIdentification>(fidApplicationIdentification, 0, false);
+        application = readFrom<GenericCardApplicationIdentification>(fidApplicationIdentification, 0, false);
     } catch (const aux::Error& failure) {
         qDebug().noquote() << "Error reading Generic EF_Application_Identification (Card Type):" << failure;
         return failure;
@@ -306,12 +321,12 @@ aux::Error SCardGeneric::ScDataTransfer(
     }
 
     receivedLength -= detail::statusWordLength;
-    d->statusWord =
+    const auto statusWord =
         static_cast<unsigned short>(fromBigEndian(receive + receivedLength, detail::statusWordLength));
-    if (d->statusWord == detail::statusSuccess || d->statusWord == detail::statusSuccessAlternative)
+    if (statusWord == detail::statusSuccess || statusWord == detail::statusSuccessAlternative)
         return {};
-    qDebug().noquote().nospace() << "ScDataTransfer: Status: " << QString::number(d->statusWord, 16);
-    return libraryError(QStringLiteral("ScDataTransfer failed"), d->statusWord);
+    qDebug().noquote().nospace() << "ScDataTransfer: Status: " << QString::number(statusWord, 16);
+    return libraryError(QStringLiteral("ScDataTransfer failed"), statusWord);
 }
 
 aux::Error SCardGeneric::ScSelectFile(unsigned short fid, unsigned int* length, unsigned int* start)
@@ -459,6 +474,7 @@ std::vector<unsigned char> SCardGeneric::readSignature(unsigned short fid, bool 
 // Download image
 
 aux::Error SCardGeneric::writeDatasetToFile(
+    // NOLINTNEXTLINE(performance-unnecessary-value-param): hosts are compiled against this signature
     QFile& file, unsigned short fid, bool secondGeneration, std::vector<unsigned char> data)
 {
     if (!file.isOpen())
@@ -472,6 +488,7 @@ aux::Error SCardGeneric::writeDatasetToFile(
 }
 
 aux::Error SCardGeneric::writeSignatureToFile(
+    // NOLINTNEXTLINE(performance-unnecessary-value-param): hosts are compiled against this signature
     QFile& file, unsigned short fid, bool secondGeneration, std::vector<unsigned char> signature)
 {
     const QString reason =
@@ -519,7 +536,7 @@ std::vector<unsigned char> SCardGeneric::readBytesFrom(
         const auto chunk = static_cast<unsigned char>(std::min(total - position, readChunk));
         const auto efOffset = static_cast<unsigned short>((position + offset) & 0xFFFF);
         unsigned char* target = buffer.data() + position;
-        unsigned long received = static_cast<unsigned long>(buffer.size() - position);
+        auto received = static_cast<unsigned long>(buffer.size() - position);
         failure = large ? ScReadLargeFile(efOffset, chunk, target, received)
                         : ScReadFile(efOffset, chunk, target, received);
         if (!failure.isEmpty())

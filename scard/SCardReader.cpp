@@ -61,7 +61,7 @@ aux::Error failedStep(aux::Error failure, const char* message)
 
 } // namespace
 
-struct SCardReader::Private
+struct Q_DECL_HIDDEN SCardReader::Private
 {
     SCARDCONTEXT context = 0;
     SCARDHANDLE cardHandle = 0;
@@ -86,7 +86,7 @@ aux::Error SCardReader::init()
         return pcscError(QStringLiteral("init: ScardEstablishContext() Failed!"), code);
 
     char* names = nullptr;
-    DWORD length = SCARD_AUTOALLOCATE;
+    auto length = SCARD_AUTOALLOCATE;
     code = SCardListReaders(d->context, nullptr, reinterpret_cast<LPSTR>(&names), &length);
     if (code != SCARD_S_SUCCESS)
         return pcscError(QStringLiteral("init: SCardListReaders() Failed"), code);
@@ -149,6 +149,7 @@ aux::Error SCardReader::monitor(unsigned int timeoutMs)
     SCardGetStatusChange(d->context, timeoutMs, d->readerStates.data(), d->readerStates.size());
 
     // By index: a receiver may call init() again and make the list longer.
+    // NOLINTNEXTLINE(modernize-loop-convert): a range would be invalid then
     for (std::size_t i = 0; i < d->readerStates.size(); ++i) {
         const DWORD event = d->readerStates[i].dwEventState;
         d->readerStates[i].dwCurrentState = event;

@@ -2,15 +2,15 @@
 
 #include <scard/detail/CardApplication.h>
 #include <scard/detail/ErrorBuilder.h>
-#include <scard/records/Fid.h>
 #include <scard/detail/FileName.h>
 #include <scard/detail/HolderName.h>
 #include <scard/detail/WorkshopG1Table.h>
 #include <scard/detail/WorkshopValues.h>
+#include <scard/records/Fid.h>
 
 namespace scard {
 
-struct SCardWorkshopG1::Private
+struct Q_DECL_HIDDEN SCardWorkshopG1::Private
 {
     detail::CardApplication application{detail::workshopG1Table()};
 };

@@ -2,13 +2,13 @@
 
 #include <scard/detail/CardApplication.h>
 #include <scard/detail/ErrorBuilder.h>
-#include <scard/records/Fid.h>
 #include <scard/detail/WorkshopG2Table.h>
 #include <scard/detail/WorkshopValues.h>
+#include <scard/records/Fid.h>
 
 namespace scard {
 
-struct SCardWorkshopG2::Private
+struct Q_DECL_HIDDEN SCardWorkshopG2::Private
 {
     detail::CardApplication application{detail::workshopG2Table()};
 };

@@ -2,8 +2,8 @@
 
 #include <scard/detail/CertificateSize.h>
 #include <scard/detail/ErrorBuilder.h>
-#include <scard/records/Fid.h>
 #include <scard/records/BigEndian.h>
+#include <scard/records/Fid.h>
 
 #include <QDebug>
 

@@ -8,7 +8,7 @@ namespace scard::detail {
 
 namespace {
 
-EfTable makeTable()
+EfTable makeCompanyG1Table()
 {
     using Application = CompanyCardApplicationIdentification;
     const RecordCount activities =
@@ -44,7 +44,7 @@ EfTable makeTable()
 
 const EfTable& companyG1Table()
 {
-    static const EfTable table = makeTable();
+    static const EfTable table = makeCompanyG1Table();
     return table;
 }
 

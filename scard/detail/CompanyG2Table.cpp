@@ -8,7 +8,7 @@ namespace scard::detail {
 
 namespace {
 
-EfTable makeTable()
+EfTable makeCompanyG2Table()
 {
     using Application = CompanyCardApplicationIdentification;
     using ApplicationV2 = CompanyCardApplicationIdentification_g2_v2;
@@ -51,7 +51,7 @@ EfTable makeTable()
 
 const EfTable& companyG2Table()
 {
-    static const EfTable table = makeTable();
+    static const EfTable table = makeCompanyG2Table();
     return table;
 }
 

@@ -9,12 +9,11 @@ namespace scard::detail {
 std::vector<CompanyActivity> companyActivities(const Bytes& ef)
 {
     using Record = CompanyActivityRecord;
-    constexpr std::size_t pointer = sizeof(UInt16);
     const auto isUsed = [](const Record& record) {
         return record.companyActivityType != 0 || record.companyActivityTime.value() != 0;
     };
     const auto timeOf = [](const Record& record) { return record.companyActivityTime; };
-    return usedByTime<CompanyActivity, Record>(ef, pointer, isUsed, timeOf, [](const Record& record) {
+    return usedByTime<CompanyActivity, Record>(ef, pointerBytes, isUsed, timeOf, [](const Record& record) {
         CompanyActivity known;
         known.activityType = record.companyActivityType;
         known.time = localTimeIfSet(record.companyActivityTime);

@@ -3,10 +3,9 @@
 #include <scard/detail/CardApplication.h>
 #include <scard/detail/DayList.h>
 #include <scard/detail/DriverValues.h>
-#include <scard/records/Fid.h>
 #include <scard/detail/UsageLists.h>
 #include <scard/records/DriverCard.h>
-#include <scard/records/Identification.h>
+#include <scard/records/Fid.h>
 #include <scard/SCardDriverG1.h>
 
 #include <QDebug>

@@ -7,11 +7,11 @@ namespace scard::detail {
 
 namespace {
 
-// Annex 1B, Appendix 2: a size that no count decides.
-constexpr std::uint32_t specificConditions = 56;
-
-EfTable makeTable()
+EfTable makeDriverG1Table()
 {
+    // Annex 1B, Appendix 2: a size that no count decides.
+    constexpr std::uint32_t specificConditions = 56;
+
     using Application = DriverCardApplicationIdentification_g1;
     const UsageCounts<Application> counts;
 
@@ -56,7 +56,7 @@ EfTable makeTable()
 
 const EfTable& driverG1Table()
 {
-    static const EfTable table = makeTable();
+    static const EfTable table = makeDriverG1Table();
     return table;
 }
 

@@ -7,7 +7,7 @@ namespace scard::detail {
 
 namespace {
 
-EfTable makeTable()
+EfTable makeDriverG2Table()
 {
     using Application = DriverCardApplicationIdentification_g2;
     const UsageCountsG2<Application> counts;
@@ -56,7 +56,7 @@ EfTable makeTable()
 
 const EfTable& driverG2Table()
 {
-    static const EfTable table = makeTable();
+    static const EfTable table = makeDriverG2Table();
     return table;
 }
 

@@ -10,9 +10,8 @@ namespace scard::detail {
 
 namespace {
 
-constexpr std::size_t noPointer = 0;
-constexpr std::size_t bytePointer = 1;
-constexpr std::size_t pointer = sizeof(UInt16);
+constexpr std::size_t noPointerBytes = 0;
+constexpr std::size_t shortPointerBytes = 1;
 
 /// GeoCoordinates: degrees × 1000 + minutes × 10; empty for 7FFFFF and whatever else lies off the globe.
 std::optional<double> degrees(const unsigned char (&bytes)[3], int most)
@@ -22,8 +21,9 @@ std::optional<double> degrees(const unsigned char (&bytes)[3], int most)
     auto value = static_cast<std::int32_t>(fromBigEndian(bytes, sizeof bytes));
     if (value & 0x800000)
         value -= 0x1000000;
+    const int whole = std::abs(value) / degree;
     const int tenths = std::abs(value) % degree;
-    const double size = std::abs(value) / degree + tenths / double{tenthsOfMinutesOfDegree};
+    const double size = whole + tenths / double{tenthsOfMinutesOfDegree};
     if (tenths >= tenthsOfMinutesOfDegree || size > most)
         return {};
     return value < 0 ? -size : size;
@@ -58,7 +58,7 @@ class AuthenticationStates
   public:
     AuthenticationStates(const Bytes& ef, TimeReal Record::*time)
     {
-        forEachRecord<Record>(ef, pointer, [&](const Record& record) {
+        forEachRecord<Record>(ef, pointerBytes, [&](const Record& record) {
             m_states.emplace((record.*time).value(), record.authenticationStatus);
         });
     }
@@ -86,7 +86,7 @@ Place place(const Record& record)
     return place;
 }
 
-std::vector<SpecificCondition> specificConditions(const Bytes& ef, std::size_t pointerLength)
+std::vector<SpecificCondition> specificConditionsBehind(const Bytes& ef, std::size_t pointerLength)
 {
     return byTime<SpecificCondition>(
         ef, pointerLength, &SpecificConditionRecord::entryTime, [](const SpecificConditionRecord& record) {
@@ -98,33 +98,34 @@ std::vector<SpecificCondition> specificConditions(const Bytes& ef, std::size_t p
 
 std::vector<Place> placesG1(const Bytes& ef)
 {
-    return byTime<Place>(ef, bytePointer, &PlaceRecord_g1::entryTime, place<PlaceRecord_g1>);
+    return byTime<Place>(ef, shortPointerBytes, &PlaceRecord_g1::entryTime, place<PlaceRecord_g1>);
 }
 
 std::vector<Place> placesG2(const Bytes& ef, const Bytes& authentication)
 {
     const AuthenticationStates states(authentication, &PlaceAuthStatusRecord_g2_2::entryTime);
-    return byTime<Place>(ef, pointer, &PlaceRecord_g2::entryTime, [&states](const PlaceRecord_g2& record) {
-        Place known = place(record);
-        known.position = position(record.entryGNSSPlaceRecord, states.at(record.entryTime));
-        return known;
-    });
+    return byTime<Place>(
+        ef, pointerBytes, &PlaceRecord_g2::entryTime, [&states](const PlaceRecord_g2& record) {
+            Place known = place(record);
+            known.position = position(record.entryGNSSPlaceRecord, states.at(record.entryTime));
+            return known;
+        });
 }
 
 std::vector<SpecificCondition> specificConditionsG1(const Bytes& ef)
 {
-    return specificConditions(ef, noPointer);
+    return specificConditionsBehind(ef, noPointerBytes);
 }
 
 std::vector<SpecificCondition> specificConditionsG2(const Bytes& ef)
 {
-    return specificConditions(ef, pointer);
+    return specificConditionsBehind(ef, pointerBytes);
 }
 
 std::vector<VehicleUnit> vehicleUnits(const Bytes& ef)
 {
     return byTime<VehicleUnit>(
-        ef, pointer, &CardVehicleUnitsRecord_g2::timeStamp, [](const CardVehicleUnitsRecord_g2& record) {
+        ef, pointerBytes, &CardVehicleUnitsRecord_g2::timeStamp, [](const CardVehicleUnitsRecord_g2& record) {
             return VehicleUnit{
                 localTimeIfSet(record.timeStamp), record.manufacturerCode, record.deviceID,
                 ia5Text(record.vuSoftwareVersion)};
@@ -135,7 +136,7 @@ std::vector<GnssPlace> gnssPlaces(const Bytes& ef, const Bytes& authentication)
 {
     const AuthenticationStates states(authentication, &GNSSAuthStatusADRecord_g2_2::timeStamp);
     return byTime<GnssPlace>(
-        ef, pointer, &GNSSContinousDrivingRecord_g2::timeStamp,
+        ef, pointerBytes, &GNSSContinousDrivingRecord_g2::timeStamp,
         [&states](const GNSSContinousDrivingRecord_g2& record) {
             GnssPlace known;
             known.time = localTimeIfSet(record.timeStamp);
@@ -149,7 +150,7 @@ std::vector<BorderCrossing> borderCrossings(const Bytes& ef)
 {
     using Record = CardBorderCrossingRecord_g2_2;
     return byTime<BorderCrossing, Record>(
-        ef, pointer,
+        ef, pointerBytes,
         [](const Record& record) { return record.gnssPlaceAuthRecord.gnssPlaceRecord.timeStamp; },
         [](const Record& record) {
             return BorderCrossing{
@@ -161,7 +162,7 @@ std::vector<BorderCrossing> borderCrossings(const Bytes& ef)
 std::vector<LoadUnloadOperation> loadUnloadOperations(const Bytes& ef)
 {
     using Record = CardLoadUnloadRecord_g2_2;
-    return byTime<LoadUnloadOperation>(ef, pointer, &Record::timeStamp, [](const Record& record) {
+    return byTime<LoadUnloadOperation>(ef, pointerBytes, &Record::timeStamp, [](const Record& record) {
         return LoadUnloadOperation{
             localTimeIfSet(record.timeStamp), record.operationType, position(record.gnssPlaceAuthRecord),
             record.vehicleOdometerValue.value()};
@@ -171,7 +172,7 @@ std::vector<LoadUnloadOperation> loadUnloadOperations(const Bytes& ef)
 std::vector<LoadTypeEntry> loadTypeEntries(const Bytes& ef)
 {
     using Record = CardLoadTypeEntryRecord_g2_2;
-    return byTime<LoadTypeEntry>(ef, pointer, &Record::timeStamp, [](const Record& record) {
+    return byTime<LoadTypeEntry>(ef, pointerBytes, &Record::timeStamp, [](const Record& record) {
         return LoadTypeEntry{localTimeIfSet(record.timeStamp), record.loadTypeEntered};
     });
 }

@@ -41,6 +41,14 @@ constexpr EfName efMaCertificate{fidCardCertificate, "EF_MA_Certificate", "Error
 constexpr EfName efCardSignCertificate{fidCardSignCertificate, "EF_Card_Sign_Certificate", "Error reading EF_Card_Sign_Certificate:"};
 constexpr EfName efCaCertificate{fidCaCertificate, "EF_CA_Certificate", "Error reading EF_CA_Certificate:"};
 constexpr EfName efLinkCertificate{fidLinkCertificate, "EF_Link_Certificate", "Error reading EF_Link_Certificate:"};
+
+// EFs that no download has: for whoever finds their numbers in a file.
+constexpr EfName efExtendedLength{0x0006, "EF_Extended_Length", ""};
+constexpr EfName efSensorInstallationData{0x050B, "EF_Sensor_Installation_Data", ""};
+constexpr EfName efControllerActivityData{0x050C, "EF_Controller_Activity_Data", ""};
+constexpr EfName efVuConfiguration{0x0540, "EF_VU_Configuration", ""};
+constexpr EfName efDir{0x2F00, "EF_DIR", ""};
+constexpr EfName efAtrInfo{0x2F01, "EF_ATR_INFO", ""};
 // clang-format on
 
 } // namespace scard::detail

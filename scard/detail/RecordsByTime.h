@@ -8,6 +8,9 @@
 
 namespace scard::detail {
 
+/// What stands before the records of a cyclic EF: the number of the newest.
+constexpr std::size_t pointerBytes = sizeof(UInt16);
+
 /// The records of an EF from byte @p offset on that @p isUsed accepts, by the time that @p timeOf gives, each
 /// made an item by @p convert.
 template <typename Item, typename Record, typename IsUsed, typename TimeOf, typename Convert>

@@ -8,11 +8,11 @@ namespace scard::detail {
 
 namespace {
 
-// Annex 1B, Appendix 2: a size that no count decides.
-constexpr std::uint32_t specificConditions = 2;
-
-EfTable makeTable()
+EfTable makeWorkshopG1Table()
 {
+    // Annex 1B, Appendix 2: a size that no count decides.
+    constexpr std::uint32_t specificConditions = 2;
+
     using Application = WorkshopCardApplicationIdentification_g1;
     const UsageCounts<Application> counts;
     const RecordCount calibrations =
@@ -59,7 +59,7 @@ EfTable makeTable()
 
 const EfTable& workshopG1Table()
 {
-    static const EfTable table = makeTable();
+    static const EfTable table = makeWorkshopG1Table();
     return table;
 }
 

@@ -8,7 +8,7 @@ namespace scard::detail {
 
 namespace {
 
-EfTable makeTable()
+EfTable makeWorkshopG2Table()
 {
     using Application = WorkshopCardApplicationIdentification_g2;
     const UsageCountsG2<Application> counts;
@@ -64,7 +64,7 @@ EfTable makeTable()
 
 const EfTable& workshopG2Table()
 {
-    static const EfTable table = makeTable();
+    static const EfTable table = makeWorkshopG2Table();
     return table;
 }
 

@@ -15,7 +15,6 @@ namespace {
 // Both begin with calibrationTotalNumber; the pointer behind it has one byte in the first generation.
 constexpr std::size_t headG1 = sizeof(UInt16) + 1;
 constexpr std::size_t headG2 = sizeof(UInt16) + sizeof(UInt16);
-constexpr std::size_t pointer = sizeof(UInt16);
 
 std::optional<int> numberAtStart(const Bytes& ef)
 {
@@ -120,7 +119,7 @@ std::vector<CalibrationAddData> calibrationAddData(const Bytes& ef)
         return record.oldTimeValue.value() != 0 || !ia5Text(record.vehicleIdentificationNumber).isEmpty();
     };
     const auto timeOf = [](const Record& record) { return record.oldTimeValue; };
-    return usedByTime<CalibrationAddData, Record>(ef, pointer, isUsed, timeOf, [](const Record& record) {
+    return usedByTime<CalibrationAddData, Record>(ef, pointerBytes, isUsed, timeOf, [](const Record& record) {
         return CalibrationAddData{
             localTimeIfSet(record.oldTimeValue), ia5Text(record.vehicleIdentificationNumber),
             record.byDefaultLoadType, nation(record.calibrationCountry),

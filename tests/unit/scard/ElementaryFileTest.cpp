@@ -45,6 +45,12 @@ TEST(ElementaryFileTest, NamesEveryEfOfATachographCard)
         {scard::fidCardSignCertificate, "EF_Card_Sign_Certificate", nullptr},
         {scard::fidCaCertificate, "EF_CA_Certificate", nullptr},
         {scard::fidLinkCertificate, "EF_Link_Certificate", nullptr},
+        {0x0006, "EF_Extended_Length", nullptr},
+        {0x050B, "EF_Sensor_Installation_Data", nullptr},
+        {0x050C, "EF_Controller_Activity_Data", nullptr},
+        {0x0540, "EF_VU_Configuration", nullptr},
+        {0x2F00, "EF_DIR", nullptr},
+        {0x2F01, "EF_ATR_INFO", nullptr},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(scard::efName(row.fid, false), QString(row.first));
