@@ -5,7 +5,9 @@
 
 #include <QCommandLineOption>
 
-Arguments::Arguments(const QString& command, const QString& description) : m_command(command)
+#include <utility>
+
+Arguments::Arguments(QString command, const QString& description) : m_command(std::move(command))
 {
     m_parser.setApplicationDescription(description);
     m_parser.addOption({{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help.")});

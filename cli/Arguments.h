@@ -3,7 +3,6 @@
 #include "ExitCode.h"
 
 #include <QCommandLineParser>
-#include <QDate>
 #include <QString>
 #include <QStringList>
 
@@ -15,7 +14,7 @@ class Arguments
 {
   public:
     /// @param command what stands on the command line, "scard show"
-    Arguments(const QString& command, const QString& description);
+    Arguments(QString command, const QString& description);
 
     /// Takes an option without a value.
     void addFlag(const QString& name, const QString& description);

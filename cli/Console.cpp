@@ -11,7 +11,6 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstring>
 
 namespace {
 
@@ -117,5 +116,5 @@ bool outputCanShow(const QString& text)
 {
     // Qt takes ASCII for UTF-8.
     const QTextCodec* codec = QTextCodec::codecForName(nl_langinfo(CODESET));
-    return codec && codec->canEncode(text);
+    return codec != nullptr && codec->canEncode(text);
 }

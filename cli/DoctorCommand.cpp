@@ -1,5 +1,5 @@
 #include "Arguments.h"
-#include "Command.h"
+#include "Commands.h"
 #include "Console.h"
 #include "LibraryLog.h"
 #include "reader/CardFailure.h"
@@ -21,7 +21,9 @@ void printAdvice(const QString& advice)
 
 ExitCode tellFailure(const char* what, const aux::Error& chain)
 {
-    const CardFailure failure = cardFailureOf(chain, {LibraryLog::currentEf(), {}, {}, {}});
+    FailureScene scene;
+    scene.ef = LibraryLog::currentEf();
+    const CardFailure failure = cardFailureOf(chain, scene);
     printLine(what, failure.message);
     printAdvice(failure.advice);
     out().flush();

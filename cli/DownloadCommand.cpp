@@ -1,4 +1,4 @@
-#include "Command.h"
+#include "Commands.h"
 #include "Console.h"
 #include "download/DownloadArguments.h"
 #include "reader/ReaderWait.h"
@@ -109,6 +109,6 @@ ExitCode runDownload(const QStringList& arguments)
 
     StopSignal::install();
     const DownloadResult result = download(options, style, waitEnd);
-    report(result, style);
+    printDownload(result, style);
     return finishOutput(result.code);
 }

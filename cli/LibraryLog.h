@@ -5,8 +5,8 @@
 
 #include <functional>
 
-/// The library's debug stream while the program runs. It names people and numbers, so it is shown only when
-/// it was asked for; but it alone says which EF is being read, and which one could not be.
+/// The library's debug stream while the program runs. It is for who looks for the cause of a failure, and
+/// shown only when it was asked for; but it alone says which EF is being read, and which one could not be.
 namespace LibraryLog {
 
 /// Takes the debug stream over, once, at the start of the program.

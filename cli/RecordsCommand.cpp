@@ -1,5 +1,5 @@
 #include "Arguments.h"
-#include "Command.h"
+#include "Commands.h"
 #include "Console.h"
 #include "ImageFile.h"
 #include "ReadFile.h"
@@ -8,7 +8,7 @@
 
 namespace {
 
-QString hexadecimal(unsigned int number, int digits)
+QString paddedHexadecimal(unsigned int number, int digits)
 {
     return QString::number(number, 16).toUpper().rightJustified(digits, QLatin1Char('0'));
 }
@@ -17,7 +17,7 @@ QString typeText(const ImageRecord& record)
 {
     if (!record.hasKnownType())
         return QStringLiteral("unknown type %1")
-            .arg(hexadecimal(static_cast<unsigned int>(record.header.type), 2));
+            .arg(paddedHexadecimal(static_cast<unsigned int>(record.header.type), 2));
     return QStringLiteral("%1, generation %2")
         .arg(record.isSignature() ? QStringLiteral("signature") : QStringLiteral("data"))
         .arg(record.isSecondGeneration() ? 2 : 1);
@@ -28,8 +28,9 @@ void print(const ImageFile& file)
     out() << "  offset  FID   EF                                 record                   bytes\n";
     for (const ImageRecord& record : file.records) {
         const QString name = record.efName().isEmpty() ? QStringLiteral("unknown EF") : record.efName();
-        out() << QString::number(record.offset).rightJustified(8) << "  " << hexadecimal(record.header.fid, 4)
-              << "  " << name.leftJustified(33) << "  " << typeText(record).leftJustified(23) << "  "
+        out() << QString::number(record.offset).rightJustified(8) << "  "
+              << paddedHexadecimal(record.header.fid, 4) << "  " << name.leftJustified(33) << "  "
+              << typeText(record).leftJustified(23) << "  "
               << QString::number(record.header.length).rightJustified(5);
         if (record.isWhole())
             out() << "  whole\n";

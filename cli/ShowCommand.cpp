@@ -1,5 +1,5 @@
 #include "Arguments.h"
-#include "Command.h"
+#include "Commands.h"
 #include "Console.h"
 #include "report/ReadReport.h"
 #include "report/Writers.h"

@@ -1,4 +1,4 @@
-#include "Command.h"
+#include "Commands.h"
 #include "Console.h"
 #include "download/DownloadArguments.h"
 #include "StopSignal.h"

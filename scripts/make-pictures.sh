@@ -1,16 +1,18 @@
 #!/bin/sh
-# Takes the pictures of the documentation anew: make-pictures.sh PROGRAM FOLDER
-#
-# PROGRAM is scard, FOLDER has the downloads driver-g2v2.ddd, workshop-g2v2.ddd and company-g2.ddd. Needs the Debian
-# packages chromium, xvfb, xterm, imagemagick, fonts-dejavu-core and tzdata. The pictures go to docs/images/.
+# Takes the pictures of the documentation anew, of three simulated cards that it downloads with build/release, and
+# puts them into docs/images/. Needs the Debian packages chromium, xvfb, xterm, imagemagick, fonts-dejavu-core and
+# tzdata beside those of scripts/install-packages.sh.
 set -eu
-[ $# -eq 2 ] || {
-    echo "usage: make-pictures.sh PROGRAM FOLDER" >&2
-    exit 64
-}
-program=$(realpath "$1")
-folder=$(realpath "$2")
-images=$(realpath "$(dirname "$0")/..")/docs/images
+cd "$(dirname "$0")/.."
+scripts=$PWD/scripts
+build=$PWD/build/release
+images=$PWD/docs/images
+for program in "$build/cli/scard" "$build/simulator/scard-simcard"; do
+    [ -x "$program" ] || {
+        echo "make-pictures.sh: $program is missing; build the preset release first" >&2
+        exit 69
+    }
+done
 for command in chromium Xvfb xterm import mogrify montage; do
     command -v $command >/dev/null || {
         echo "make-pictures.sh: $command is missing; install chromium xvfb xterm imagemagick" >&2
@@ -22,12 +24,18 @@ work=$(mktemp -d)
 server=
 trap 'if [ -n "$server" ]; then kill $server; fi; rm -rf "$work"' EXIT
 mkdir "$work/bin"
-ln -s "$program" "$work/bin/scard"
-for kind in driver-g2v2 workshop-g2v2 company-g2; do
-    cp "$folder/$kind.ddd" "$work/${kind%%-*}.ddd"
-done
+ln -s "$build/cli/scard" "$build/simulator/scard-simcard" "$work/bin/"
 cd "$work"
 export PATH="$work/bin:$PATH" TZ=Europe/Berlin LC_ALL=C.UTF-8
+
+for kind in driver-g2v2 workshop-g2v2 company-g2; do
+    "$scripts/with-virtual-reader.sh" sh -euc '
+        scard-simcard --kind "$1" >simcard.log 2>&1 &
+        card=$!
+        trap "kill $card 2>/dev/null || true" EXIT
+        mv "$(scard download --wait 20 --to . --quiet)" "${1%%-*}.ddd"
+    ' make-pictures.sh $kind
+done
 
 # Chromium refuses to run as root with its sandbox.
 sandbox=

@@ -1,6 +1,7 @@
 #include "DownloadArguments.h"
 
 #include "../Console.h"
+#include "../LibraryLog.h"
 #include "FinishedFile.h"
 
 #include <QDir>
@@ -114,7 +115,11 @@ std::optional<ExitCode> read(const Arguments& arguments, DownloadOptions& option
 
 ProgressDisplay::Style progressStyle(ReportStyle style)
 {
-    return style == ReportStyle::Text ? usualProgressStyle() : ProgressDisplay::Style::Silent;
+    if (style != ReportStyle::Text)
+        return ProgressDisplay::Style::Silent;
+    // The debug stream would tear the bar.
+    return outputIsTerminal() && !LibraryLog::isShown() ? ProgressDisplay::Style::Bar
+                                                        : ProgressDisplay::Style::Lines;
 }
 
 } // namespace DownloadArguments

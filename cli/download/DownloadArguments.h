@@ -16,7 +16,8 @@ bool anyGiven(const Arguments& arguments);
 /// option was named, or after a folder that cannot be written to; empty when the command may go on.
 std::optional<ExitCode> read(const Arguments& arguments, DownloadOptions& options, ReportStyle& style);
 
-/// How progress is shown beside a report of @p style.
+/// How progress is shown beside a report of @p style: a bar on a terminal, lines elsewhere and where the
+/// debug stream is shown, nothing where a program reads.
 ProgressDisplay::Style progressStyle(ReportStyle style);
 
 } // namespace DownloadArguments

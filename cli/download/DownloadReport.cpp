@@ -2,6 +2,7 @@
 
 #include "../CardNames.h"
 #include "../Console.h"
+#include "../ErrorJson.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -39,29 +40,15 @@ QJsonValue cardJson(const std::optional<CardIdentity>& card)
     };
 }
 
-QJsonObject entryJson(const aux::ErrorData& entry)
-{
-    constexpr int hexadecimal = 16;
-    return {
-        {"source", entry.getSource()},
-        {"message", entry.getMessage()},
-        {"id", static_cast<qint64>(entry.getId())},
-        {"id_hex", QString::number(entry.getId(), hexadecimal).toUpper()},
-    };
-}
-
 QJsonValue failureJson(const std::optional<CardFailure>& failure)
 {
     if (!failure)
         return {};
-    QJsonArray entries;
-    for (const aux::ErrorData& entry : failure->chain)
-        entries.append(entryJson(entry));
     return QJsonObject{
         {"message", failure->message},
         {"advice", textOrNull(failure->advice)},
         {"ef", textOrNull(failure->ef)},
-        {"entries", entries},
+        {"entries", entriesJson(failure->chain)},
     };
 }
 
@@ -99,7 +86,7 @@ void warnOfUnreadEfs(const DownloadResult& result)
 
 } // namespace
 
-void report(const DownloadResult& result, ReportStyle style)
+void printDownload(const DownloadResult& result, ReportStyle style)
 {
     switch (style) {
     case ReportStyle::Text:

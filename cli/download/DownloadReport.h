@@ -1,6 +1,5 @@
 #pragma once
 
-#include "../reader/ReaderSurvey.h"
 #include "CardDownload.h"
 
 #include <QByteArray>
@@ -14,7 +13,7 @@ enum class ReportStyle
 };
 
 /// Tells @p result on standard output, a failure on standard error.
-void report(const DownloadResult& result, ReportStyle style);
+void printDownload(const DownloadResult& result, ReportStyle style);
 
 /// One JSON object on one line, as docs/schema/download.schema.json says.
 QByteArray downloadJson(const DownloadResult& result);

@@ -8,7 +8,7 @@
 namespace {
 
 constexpr int stepPercent = 10;
-constexpr qint64 second = 1000;
+constexpr qint64 msPerSecond = 1000;
 
 /// Where there is no bar, an EF that takes long is named this often.
 constexpr qint64 efLineSeconds = 30;
@@ -106,7 +106,7 @@ void ProgressDisplay::tick()
         draw();
         return;
     }
-    const qint64 seconds = m_efElapsed.elapsed() / second / efLineSeconds * efLineSeconds;
+    const qint64 seconds = m_efElapsed.elapsed() / msPerSecond / efLineSeconds * efLineSeconds;
     if (seconds == m_lastEfLineSeconds || m_ef.isEmpty())
         return;
     m_lastEfLineSeconds = seconds;
@@ -133,10 +133,4 @@ void ProgressDisplay::erase()
 ProgressState ProgressDisplay::state() const
 {
     return {m_percent, m_ef, m_elapsed.elapsed(), m_efElapsed.elapsed(), m_sinceProgress.elapsed()};
-}
-
-ProgressDisplay::Style usualProgressStyle()
-{
-    return outputIsTerminal() && !LibraryLog::isShown() ? ProgressDisplay::Style::Bar
-                                                        : ProgressDisplay::Style::Lines;
 }

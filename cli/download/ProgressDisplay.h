@@ -59,6 +59,3 @@ class ProgressDisplay
     qint64 m_lastEfLineSeconds = 0;
     int m_drawn = 0; ///< characters of the bar on the terminal
 };
-
-/// Bar on a terminal, lines elsewhere and where the debug stream would tear the bar.
-ProgressDisplay::Style usualProgressStyle();

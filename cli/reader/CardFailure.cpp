@@ -151,7 +151,7 @@ constexpr StampRow stampRows[] = {
 
 constexpr const char* again =
     "Take the card out, put it in again and try once more; --verbose shows the whole failure.";
-constexpr int hexadecimal = 16;
+constexpr int hexadecimalBase = 16;
 
 bool contains(const aux::Error& chain, const char* text)
 {
@@ -192,7 +192,7 @@ QString efOf(const aux::Error& chain, const FailureScene& scene)
         const QRegularExpressionMatch match = number.match(entry.getMessage());
         if (!match.hasMatch())
             continue;
-        const ushort fid = match.captured(1).toUShort(nullptr, hexadecimal);
+        const ushort fid = match.captured(1).toUShort(nullptr, hexadecimalBase);
         const QString name = scard::efName(fid, true);
         return scard::efName(fid, false) == scene.ef ? scene.ef : name;
     }
@@ -233,7 +233,7 @@ void apply(const Meaning& meaning, CardFailure& failure)
 template <std::size_t Count>
 bool applyPcscRow(const PcscRow (&rows)[Count], const QString& text, CardFailure& failure)
 {
-    const auto row = std::find_if(std::begin(rows), std::end(rows), [&text](const PcscRow& each) {
+    const auto* row = std::find_if(std::begin(rows), std::end(rows), [&text](const PcscRow& each) {
         return text.endsWith(QStringLiteral(": ") + pcscText(each.code));
     });
     if (row == std::end(rows))
@@ -244,7 +244,7 @@ bool applyPcscRow(const PcscRow (&rows)[Count], const QString& text, CardFailure
 
 bool applyLibraryRow(const QString& text, CardFailure& failure)
 {
-    const auto row =
+    const auto* row =
         std::find_if(std::begin(libraryRows), std::end(libraryRows), [&text](const TextRow& each) {
             return text.startsWith(QLatin1String(each.text));
         });
@@ -262,8 +262,8 @@ void refused(unsigned int status, CardFailure& failure)
                          : whileSigning(failure.chain)  ? QStringLiteral("sign ") + failure.ef
                                                         : QStringLiteral("give ") + failure.ef;
     failure.message = QStringLiteral("The card refused to %1 (status %2).")
-                          .arg(what, QString::number(status, hexadecimal).toUpper());
-    const auto row =
+                          .arg(what, QString::number(status, hexadecimalBase).toUpper());
+    const auto* row =
         std::find_if(std::begin(statusRows), std::end(statusRows), [status](const StatusRow& each) {
             return each.status == status;
         });
@@ -336,9 +336,10 @@ void notStamped(const FailureScene& scene, CardFailure& failure)
     failure.code = exitNotStamped;
     failure.message = QStringLiteral("The download is complete, but the card could not be told of it: %1.")
                           .arg(reason.left(1).toLower() + reason.mid(1));
-    const auto row = std::find_if(std::begin(stampRows), std::end(stampRows), [&scene](const StampRow& each) {
-        return scene.type == each.type;
-    });
+    const auto* row =
+        std::find_if(std::begin(stampRows), std::end(stampRows), [&scene](const StampRow& each) {
+            return scene.type == each.type;
+        });
     failure.advice =
         row == std::end(stampRows) ? QString() : QString::fromLatin1(row->meaning) + QLatin1Char(' ');
     failure.advice += QStringLiteral("Put it in again and download it once more.");

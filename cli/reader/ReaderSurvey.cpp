@@ -74,7 +74,7 @@ class Connection
 aux::Error listReaders(const Context& context, std::vector<ReaderSeen>& readers)
 {
     char* names = nullptr;
-    DWORD length = SCARD_AUTOALLOCATE;
+    auto length = SCARD_AUTOALLOCATE;
     const LONG code = SCardListReaders(context.handle(), nullptr, reinterpret_cast<LPSTR>(&names), &length);
     if (code != SCARD_S_SUCCESS)
         return pcscFailure(QStringLiteral("init: SCardListReaders() Failed"), code);

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr unsigned int sliceMs = 250;
+constexpr unsigned int monitorSliceMs = 250;
 
 /// A wait that comes back earlier than this, and has not seen a change, cannot wait at all.
 constexpr qint64 earlyMs = 200;
@@ -39,7 +39,7 @@ void ReaderWait::wait()
     m_changeReported = false;
     QElapsedTimer elapsed;
     elapsed.start();
-    m_reader.monitor(sliceMs);
+    m_reader.monitor(monitorSliceMs);
     if (elapsed.elapsed() >= earlyMs && !m_changeReported) {
         m_needlessReturns = 0;
         if (++m_quietWaits >= quietWaitsBeforeALook)

@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <initializer_list>
 #include <optional>
-#include <string>
 
 // What the reports of several card kinds have in common.
 
@@ -22,6 +21,12 @@ enum class Generation
     Second = 2,
 };
 
+/// How the card calls the application: "TACHO" or "SMRDT".
+QString applicationName(Generation generation);
+
+/// Selects the application in the image of a card; an error when the image does not have it.
+aux::Error selectApplication(scard::SCardGeneric& image, Generation generation);
+
 /// An empty application of the name that the card gives it.
 Application emptyApplication(Generation generation);
 
@@ -29,10 +34,8 @@ Application emptyApplication(Generation generation);
 template <typename Record>
 std::optional<Record> recordOf(scard::SCardGeneric& image, Generation generation, unsigned short fid)
 {
-    const std::string name =
-        generation == Generation::First ? std::string("\xFFTACHO") : std::string("\xFFSMRDT");
     try {
-        if (!image.ScSelectFile(name).isEmpty())
+        if (!selectApplication(image, generation).isEmpty())
             return std::nullopt;
         return image.readFrom<Record>(fid, 0, false);
     } catch (const aux::Error&) {
@@ -40,13 +43,12 @@ std::optional<Record> recordOf(scard::SCardGeneric& image, Generation generation
     }
 }
 
-/// Characters of the card without the blanks that fill their field up.
+/// Characters of the card up to the first zero byte, without the blanks that fill their field up.
 template <std::size_t Count>
 QString characters(const unsigned char (&bytes)[Count])
 {
-    return QString::fromLatin1(reinterpret_cast<const char*>(bytes), static_cast<int>(Count))
-        .remove(QChar(0))
-        .trimmed();
+    const auto* text = reinterpret_cast<const char*>(bytes);
+    return QString::fromLatin1(text, static_cast<int>(qstrnlen(text, Count))).trimmed();
 }
 
 /// A text field of the card, trimmed.

@@ -58,7 +58,7 @@ constexpr CodeName eventsAndFaults[] = {
     {0x3A, "internal sensor fault"},
     {0x40, "card fault, no details"},
 };
-constexpr CodeName activities[] = {{0, "rest"}, {1, "availability"}, {2, "work"}, {3, "driving"}};
+constexpr CodeName activityNames[] = {{0, "rest"}, {1, "availability"}, {2, "work"}, {3, "driving"}};
 constexpr CodeName slotNames[] = {{0, "driver"}, {1, "co-driver"}};
 constexpr CodeName cardStatuses[] = {{0, "inserted"}, {1, "not inserted"}};
 constexpr CodeName statusesWithCard[] = {{0, "single"}, {1, "crew"}};
@@ -79,18 +79,18 @@ constexpr CodeName spanishRegions[] = {
     {0x0A, "Galicia"}, {0x0B, "Baleares"}, {0x0C, "Canarias"}, {0x0D, "La Rioja"}, {0x0E, "Madrid"},
     {0x0F, "Murcia"}, {0x10, "Navarra"}, {0x11, "País Vasco"},
 };
-constexpr CodeName specificConditions[] = {
+constexpr CodeName specificConditionNames[] = {
     {1, "out of scope, begin"}, {2, "out of scope, end"}, {3, "ferry or train crossing, begin"},
     {4, "ferry or train crossing, end"},
 };
-constexpr CodeName loadOperations[] = {{1, "load"}, {2, "unload"}, {3, "load and unload"}};
-constexpr CodeName loadTypes[] = {{0, "undefined"}, {1, "goods"}, {2, "passengers"}};
+constexpr CodeName loadOperationNames[] = {{1, "load"}, {2, "unload"}, {3, "load and unload"}};
+constexpr CodeName loadTypeNames[] = {{0, "undefined"}, {1, "goods"}, {2, "passengers"}};
 constexpr CodeName positionAuthentications[] = {{0, "not authenticated"}, {1, "authenticated"}};
 constexpr CodeName calibrationPurposes[] = {
     {1, "activation"}, {2, "first installation"}, {3, "installation"}, {4, "periodic inspection"},
     {5, "registration entered by the company"}, {6, "time set without calibration"},
 };
-constexpr CodeName companyActivities[] = {
+constexpr CodeName companyActivityNames[] = {
     {1, "card downloaded"}, {2, "vehicle unit downloaded"}, {3, "locked in"}, {4, "locked out"},
 };
 constexpr CodeName equipmentTypes[] = {
@@ -110,19 +110,19 @@ constexpr CodeName controlBits[] = {
 } // namespace
 
 const CodeList eventOrFault(eventsAndFaults);
-const CodeList activity(activities);
+const CodeList activity(activityNames);
 const CodeList slot(slotNames);
 const CodeList cardStatus(cardStatuses);
 const CodeList drivingStatusWithCard(statusesWithCard);
 const CodeList drivingStatusWithoutCard(statusesWithoutCard);
 const CodeList placeEntryType(placeEntryTypes);
 const CodeList spanishRegion(spanishRegions);
-const CodeList specificCondition(specificConditions);
-const CodeList loadOperation(loadOperations);
-const CodeList loadType(loadTypes);
+const CodeList specificCondition(specificConditionNames);
+const CodeList loadOperation(loadOperationNames);
+const CodeList loadType(loadTypeNames);
 const CodeList positionAuthentication(positionAuthentications);
 const CodeList calibrationPurpose(calibrationPurposes);
-const CodeList companyActivity(companyActivities);
+const CodeList companyActivity(companyActivityNames);
 const CodeList equipmentType(equipmentTypes);
 
 Code CodeList::operator()(qint64 code) const

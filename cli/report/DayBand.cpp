@@ -1,7 +1,6 @@
 #include "DayBand.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 
 namespace report {
@@ -68,19 +67,9 @@ Shade shadeOf(const Period& period)
 
 QString shadeName(Shade shade)
 {
-    switch (shade) {
-    case Shade::Rest:
-        return QStringLiteral("rest");
-    case Shade::Availability:
-        return QStringLiteral("availability");
-    case Shade::Work:
-        return QStringLiteral("work");
-    case Shade::Driving:
-        return QStringLiteral("driving");
-    case Shade::Unknown:
-        break;
-    }
-    return QStringLiteral("unknown");
+    const auto* row = std::find_if(
+        shadeNames.begin(), shadeNames.end(), [shade](const ShadeName& each) { return each.shade == shade; });
+    return QString::fromLatin1(row->name);
 }
 
 std::vector<Stretch> stretches(const Day& day)
@@ -99,6 +88,7 @@ std::vector<Stretch> band(const Day& day, int cells)
     const std::vector<Stretch> minutes = minutesOf(day);
     const int width = minutesOfDay / cells;
     std::vector<Stretch> result;
+    result.reserve(static_cast<std::size_t>(cells));
     for (int cell = 0; cell < cells; ++cell)
         result.push_back(mostOf(minutes.begin() + cell * width, minutes.begin() + (cell + 1) * width));
     return result;

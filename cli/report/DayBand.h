@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include <array>
 #include <vector>
 
 namespace report {
@@ -38,6 +39,26 @@ std::vector<Stretch> stretches(const Day& day);
 std::vector<Stretch> band(const Day& day, int cells);
 
 Shade shadeOf(const Period& period);
+
+/// A shade as the views name it, and what of a day is drawn in it.
+struct ShadeName
+{
+    Shade shade;
+    const char* name;
+    const char* heading;
+    const char* shortHeading; ///< on a terminal
+    int Day::*sum;
+};
+
+/// As people read them: what weighs most first.
+constexpr std::array<ShadeName, shadeCount> shadeNames{{
+    {Shade::Driving, "driving", "Driving", "drive", &Day::driving},
+    {Shade::Work, "work", "Work", "work", &Day::work},
+    {Shade::Availability, "availability", "Available", "avail", &Day::availability},
+    {Shade::Rest, "rest", "Rest", "rest", &Day::rest},
+    {Shade::Unknown, "unknown", "Unknown", "unkn.", &Day::unknown},
+}};
+
 QString shadeName(Shade shade);
 
 } // namespace report

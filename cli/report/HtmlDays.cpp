@@ -1,12 +1,11 @@
 #include "HtmlDays.h"
 
 #include "DayBand.h"
-#include "Html.h"
+#include "HtmlText.h"
 
 #include <QLocale>
 
 #include <algorithm>
-#include <array>
 
 namespace report {
 
@@ -15,22 +14,11 @@ namespace {
 constexpr int bandHeight = 24;
 constexpr int hoursBetweenMarks = 3;
 
-/// The shades as people read them: what weighs most first. Their signs are the classes of the style sheet.
-struct Sign
+/// The class that the style sheet has for a shade.
+QLatin1Char classOf(const ShadeName& shade)
 {
-    Shade shade;
-    char letter;
-    const char* title;
-    int Day::*sum;
-};
-
-constexpr std::array<Sign, shadeCount> signs{{
-    {Shade::Driving, 'd', "Driving", &Day::driving},
-    {Shade::Work, 'w', "Work", &Day::work},
-    {Shade::Availability, 'a', "Available", &Day::availability},
-    {Shade::Rest, 'r', "Rest", &Day::rest},
-    {Shade::Unknown, 'u', "Unknown", &Day::unknown},
-}};
+    return QLatin1Char(shade.name[0]);
+}
 
 QString clock(int minute)
 {
@@ -52,22 +40,22 @@ QString stretchText(const Stretch& stretch)
 QString sumsText(const Day& day)
 {
     QStringList sums;
-    for (const Sign& sign : signs) {
-        if (day.*sign.sum != 0)
-            sums << shadeName(sign.shade) + QLatin1Char(' ') + hoursAndMinutes(day.*sign.sum);
+    for (const ShadeName& each : shadeNames) {
+        if (day.*each.sum != 0)
+            sums << QLatin1String(each.name) + QLatin1Char(' ') + hoursAndMinutes(day.*each.sum);
     }
     return sums.isEmpty() ? QStringLiteral("no sums") : sums.join(QStringLiteral(", "));
 }
 
 /// The stretches that look alike in a group of their own: what they share is said once.
-void writeGroup(QTextStream& out, const std::vector<Stretch>& all, const Sign& sign, bool isOpen)
+void writeGroup(QTextStream& out, const std::vector<Stretch>& all, const ShadeName& shade, bool isOpen)
 {
     bool isEmpty = true;
     for (const Stretch& stretch : all) {
-        if (stretch.shade != sign.shade || stretch.isOpen != isOpen)
+        if (stretch.shade != shade.shade || stretch.isOpen != isOpen)
             continue;
         if (isEmpty)
-            out << "<g class=\"" << sign.letter << (isOpen ? " o" : "") << "\">";
+            out << "<g class=\"" << classOf(shade) << (isOpen ? " o" : "") << "\">";
         isEmpty = false;
         // Without quotes: a card of a year has some ten thousand of these.
         out << "<rect x=" << stretch.begin << " width=" << stretch.end - stretch.begin << "><title>"
@@ -82,9 +70,9 @@ void writeBand(QTextStream& out, const Day& day)
     out << "<svg role=img aria-label=\"" << sumsText(day) << "\" viewBox=\"0 0 " << minutesOfDay << ' '
         << bandHeight << "\" preserveAspectRatio=none>";
     const std::vector<Stretch> all = stretches(day);
-    for (const Sign& sign : signs) {
-        writeGroup(out, all, sign, false);
-        writeGroup(out, all, sign, true);
+    for (const ShadeName& each : shadeNames) {
+        writeGroup(out, all, each, false);
+        writeGroup(out, all, each, true);
     }
     out << "<use href=\"#h\"/></svg>";
 }
@@ -97,8 +85,8 @@ void writeLegend(QTextStream& out)
             << "\"><g class=\"" << classes << "\"><rect width=\"" << bandHeight << "\"/></g></svg>" << text
             << "</li>";
     };
-    for (const Sign& sign : signs)
-        entry(QString(QLatin1Char(sign.letter)), shadeName(sign.shade));
+    for (const ShadeName& each : shadeNames)
+        entry(QString(classOf(each)), QLatin1String(each.name));
     entry(QStringLiteral("d o"), QStringLiteral("paler: end not known"));
     out << "</ul>\n";
 }
@@ -118,8 +106,8 @@ void writeHead(QTextStream& out)
     for (int hour = 0; hour <= 24; hour += hoursBetweenMarks)
         out << "<span>" << hour << "</span>";
     out << "</div></th>";
-    for (const Sign& sign : signs)
-        out << "<th>" << sign.title << "</th>";
+    for (const ShadeName& each : shadeNames)
+        out << "<th>" << each.heading << "</th>";
     out << "</tr></thead>\n";
 }
 
@@ -134,8 +122,8 @@ void writeDay(QTextStream& out, const Day& day, const QString& remark)
     out << "</th><td>";
     writeBand(out, day);
     out << "</td>";
-    for (const Sign& sign : signs) {
-        const int minutes = day.*sign.sum;
+    for (const ShadeName& each : shadeNames) {
+        const int minutes = day.*each.sum;
         out << (minutes == 0 ? "<td class=z>" : "<td>") << hoursAndMinutes(minutes) << "</td>";
     }
     out << "</tr>\n";
@@ -156,20 +144,17 @@ void writeHtmlDays(QTextStream& out, const std::vector<MergedDay>& days)
     if (days.empty())
         return;
     writeLegend(out);
-    out << "<p class=\"note\">A day goes from 00:00 to 24:00 UTC, and so do the times in the bands. The last "
-           "change of a day is drawn to midnight and counts in no sum: the card does not say how long it "
-           "lasts.</p>\n";
+    out << "<p class=\"note\">A day goes from 00:00 to 24:00 UTC, and so do the times in the bands. "
+        << openEnd << "</p>\n";
     const QString application = onlyApplication(days);
     if (!application.isEmpty())
-        out << "<p class=\"note\">These days are so only in application " << htmlText(application)
-            << ".</p>\n";
+        out << "<p class=\"note\">These days are so " << htmlText(onlyInText(application)) << ".</p>\n";
     out << "<table class=\"days\">\n";
     writeHead(out);
     out << "<tbody>\n";
     for (const MergedDay& each : days) {
         const bool needsRemark = application.isEmpty() && !each.onlyIn.isEmpty();
-        writeDay(
-            out, each.day, needsRemark ? QStringLiteral("only in application ") + each.onlyIn : QString());
+        writeDay(out, each.day, needsRemark ? onlyInText(each.onlyIn) : QString());
     }
     out << "</tbody></table>\n";
 }

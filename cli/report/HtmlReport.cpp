@@ -1,6 +1,6 @@
-#include "Html.h"
 #include "HtmlDays.h"
 #include "HtmlStyle.h"
+#include "HtmlText.h"
 #include "Merged.h"
 #include "Writers.h"
 
@@ -198,15 +198,11 @@ class HtmlWriter
     {
         FactGroup group = m_report.card;
         group.title = QStringLiteral("Card and file");
-        const auto fact = [&group](const char* title, const QString& text) {
-            group.facts.push_back(
-                {{QString(), QString::fromLatin1(title), Kind::Text, Weight::Main}, Value(text)});
-        };
-        fact("File", m_report.path);
-        fact("Size", sizeText(m_report));
-        fact("SHA-256", m_report.sha256);
-        fact("Shown", rangeText());
-        fact("Times", timesText());
+        appendFact(group, "File", m_report.path);
+        appendFact(group, "Size", sizeText(m_report));
+        appendFact(group, "SHA-256", m_report.sha256);
+        appendFact(group, "Shown", rangeText());
+        appendFact(group, "Times", timesText());
         return group;
     }
 
@@ -279,16 +275,9 @@ class HtmlWriter
     /// How the cells of a column are set; empty for those that are set as they come.
     static QString columnClass(Kind kind, int position)
     {
-        switch (kind) {
-        case Kind::Number:
-        case Kind::Decimal:
-        case Kind::Minutes:
+        if (isNumeric(kind))
             return QStringLiteral("n%1").arg(position);
-        case Kind::Code:
-            return QStringLiteral("t%1").arg(position);
-        default:
-            return QString();
-        }
+        return kind == Kind::Code ? QStringLiteral("t%1").arg(position) : QString();
     }
 
     void writeTable(const Table& table, const QString& id)
@@ -377,6 +366,7 @@ class HtmlWriter
 void writeHtml(QTextStream& out, const std::vector<Report>& reports)
 {
     std::vector<HtmlWriter> writers;
+    writers.reserve(reports.size());
     for (const Report& report : reports)
         writers.emplace_back(out, report, writers.size());
     const QString title = writers.size() == 1

@@ -1,3 +1,4 @@
+#include "../ErrorJson.h"
 #include "Writers.h"
 
 #include <QJsonArray>
@@ -76,16 +77,10 @@ QJsonValue damageJson(const Report& report)
 {
     if (!report.damage)
         return QJsonValue();
-    QJsonArray entries;
-    for (const aux::ErrorData& entry : report.damage->failure)
-        entries.append(QJsonObject{
-            {QStringLiteral("source"), entry.getSource()},
-            {QStringLiteral("message"), entry.getMessage()},
-            {QStringLiteral("id"), static_cast<qint64>(entry.getId())}});
     return QJsonObject{
         {QStringLiteral("message"), report.damage->message},
         {QStringLiteral("ef"), report.damage->ef.isEmpty() ? QJsonValue() : QJsonValue(report.damage->ef)},
-        {QStringLiteral("entries"), entries}};
+        {QStringLiteral("entries"), entriesJson(report.damage->failure)}};
 }
 
 QJsonValue dateJson(QDate date)

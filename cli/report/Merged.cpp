@@ -52,10 +52,10 @@ std::vector<int> sameColumns(const Table& table, const Table& other)
     return indexes;
 }
 
-/// The rows of @p table that @p other does not have, as far as they have the same columns.
-Table onlyIn(const Table& table, const Table& other, const QString& application)
+/// The rows of @p one that @p other does not have, as far as they have the same columns.
+Table onlyIn(const Table& one, const Table& other, const QString& application)
 {
-    const std::vector<int> columns = sameColumns(table, other);
+    const std::vector<int> columns = sameColumns(one, other);
     const auto isSameRow = [&](const std::vector<Value>& row, const std::vector<Value>& otherRow) {
         for (std::size_t i = 0; i < row.size(); ++i) {
             if (columns[i] >= 0 && !(row[i] == otherRow[static_cast<std::size_t>(columns[i])]))
@@ -63,10 +63,10 @@ Table onlyIn(const Table& table, const Table& other, const QString& application)
         }
         return true;
     };
-    Table rest = table;
-    rest.title += QStringLiteral(", only in application ") + application;
+    Table rest = one;
+    rest.title += QStringLiteral(", ") + onlyInText(application);
     rest.rows.clear();
-    for (const std::vector<Value>& row : table.rows) {
+    for (const std::vector<Value>& row : one.rows) {
         const bool inBoth =
             std::any_of(other.rows.begin(), other.rows.end(), [&](const std::vector<Value>& otherRow) {
                 return isSameRow(row, otherRow);
@@ -82,10 +82,10 @@ std::vector<Table> mergedTables(const Application& first, const Application& sec
     std::vector<Table> tables;
     for (const Table& table : second.tables) {
         tables.push_back(table);
-        for (const Table& other : first.tables) {
-            if (other.key != table.key)
+        for (const Table& before : first.tables) {
+            if (before.key != table.key)
                 continue;
-            Table rest = onlyIn(other, table, first.name);
+            Table rest = onlyIn(before, table, first.name);
             if (!rest.rows.empty())
                 tables.push_back(std::move(rest));
         }

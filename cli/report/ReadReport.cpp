@@ -3,6 +3,7 @@
 #include "../ImageFile.h"
 #include "../LibraryLog.h"
 #include "../ReadFile.h"
+#include "CardFields.h"
 #include "CardReport.h"
 
 #include <scard/SCardReader.h>
@@ -124,7 +125,7 @@ Reading readCard(scard::SCardGeneric& card, scard::SCardGeneric& image)
         return reading;
     // A card of the second generation tells no failure of its first application, and a company card does not
     // read it behind one of the second. One that is not in the file at all is no failure.
-    if (image.is2ndGeneneration() && image.ScSelectFile(std::string("\xFFTACHO")).isEmpty()) {
+    if (image.is2ndGeneneration() && selectApplication(image, Generation::First).isEmpty()) {
         LibraryLog::restart();
         const aux::Error failure = readFirstApplication(card);
         const QStringList missing = LibraryLog::unreadableEfs();
@@ -239,7 +240,7 @@ ReadResult readReport(const QString& path, const Range& range, Zone zone)
     describeCard(report, *card, image);
     limit(report, range);
     auto* driver = dynamic_cast<scard::SCardDriverG1*>(card.get());
-    if (driver && lastDay(report).isValid())
+    if (driver != nullptr && lastDay(report).isValid())
         report.figures = figuresOf(*driver, lastDay(report));
     for (const QString& ef : notIdentifying) {
         if (!reading.missing.contains(ef))

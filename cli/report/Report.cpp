@@ -16,6 +16,10 @@ const char* const noFigures =
 const char* const notRead =
     "What cards of this kind keep is not read; scard records FILE lists the file's records.";
 
+const char* const openEnd =
+    "The last change of a day is drawn to midnight and counts in no sum: the card does not say how long it "
+    "lasts.";
+
 namespace {
 
 QDate dateIn(const Value& value, Zone zone)
@@ -47,6 +51,11 @@ QDateTime momentOf(QDate date, int minute)
 }
 
 } // namespace
+
+QString onlyInText(const QString& application)
+{
+    return QStringLiteral("only in application ") + application;
+}
 
 QString missingText(const Report& report)
 {

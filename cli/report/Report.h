@@ -4,7 +4,6 @@
 
 #include <aux/Error.h>
 
-#include <QByteArray>
 #include <QDate>
 #include <QString>
 #include <QStringList>
@@ -105,6 +104,12 @@ extern const char* const noFigures;
 
 /// Stands in place of all lists.
 extern const char* const notRead;
+
+/// Stands beside the days when the last change of one is drawn.
+extern const char* const openEnd;
+
+/// What one of two applications alone says: "only in application TACHO".
+QString onlyInText(const QString& application);
 
 /// Names the EFs that are missing; empty when none is.
 QString missingText(const Report& report);

@@ -101,6 +101,12 @@ struct FactGroup
     std::vector<Fact> facts;
 };
 
+/// Adds what the card does not say itself; without a key, for only the views for people have it.
+inline void appendFact(FactGroup& group, const char* title, const QString& text)
+{
+    group.facts.push_back({{QString(), QString::fromLatin1(title), Kind::Text, Weight::Main}, Value(text)});
+}
+
 template <typename Item>
 FactGroup makeFacts(const char* key, const char* title, const Item& item, const Fields<Item>& fields)
 {

@@ -1,4 +1,3 @@
-#include "../CardNames.h"
 #include "../Console.h"
 #include "DayBand.h"
 #include "Merged.h"
@@ -107,12 +106,8 @@ class TextWriter
     {
         FactGroup group = m_report.card;
         group.title = m_report.path;
-        const auto fact = [&group](const char* title, const QString& text) {
-            group.facts.push_back(
-                {{QString(), QString::fromLatin1(title), Kind::Text, Weight::Main}, Value(text)});
-        };
-        fact("File", sizeText(m_report));
-        fact("SHA-256", m_report.sha256);
+        appendFact(group, "File", sizeText(m_report));
+        appendFact(group, "SHA-256", m_report.sha256);
         return group;
     }
 
@@ -142,12 +137,12 @@ class TextWriter
 
     static constexpr int dateWidth = 10;
     static constexpr int sumWidth = 7;
-    static constexpr int sumCount = 5;
+    static constexpr int sumsWidth = shadeCount * sumWidth;
 
     /// As many pieces of a day as the line has room for.
     int bandCells() const
     {
-        const int room = m_style.columns - dateWidth - 1 - sumCount * sumWidth;
+        const int room = m_style.columns - dateWidth - 1 - sumsWidth;
         for (const int cells : {96, 72, 48, 24}) {
             if (cells <= room)
                 return cells;
@@ -156,10 +151,7 @@ class TextWriter
     }
 
     /// On a narrow terminal the sums stand on a line of their own.
-    bool sumsBesideBand() const
-    {
-        return m_style.columns >= dateWidth + 1 + bandCells() + sumCount * sumWidth;
-    }
+    bool sumsBesideBand() const { return m_style.columns >= dateWidth + 1 + bandCells() + sumsWidth; }
 
     QString bandText(const Day& day) const
     {
@@ -208,21 +200,20 @@ class TextWriter
         if (m_merged.days.empty())
             return;
         writeWrapped(legend(), QStringLiteral("  "), QStringLiteral("  "));
-        const QString sums =
-            QStringLiteral("  drive   work  avail   rest  unkn.").rightJustified(sumCount * sumWidth);
+        QString sums;
+        for (const ShadeName& each : shadeNames)
+            sums += QString::fromLatin1(each.shortHeading).rightJustified(sumWidth);
         m_out << QString(dateWidth + 1, QLatin1Char(' ')) << hours();
         m_out << (sumsBesideBand() ? QString() : QStringLiteral("\n")) << sums << '\n';
         bool hasOpen = false;
         for (const MergedDay& merged : m_merged.days) {
             writeDay(merged.day);
             if (!merged.onlyIn.isEmpty())
-                m_out << "    (so only in application " << merged.onlyIn << ")\n";
+                m_out << "    (so " << onlyInText(merged.onlyIn) << ")\n";
             hasOpen = hasOpen || (!merged.day.periods.empty() && !merged.day.periods.back().hasEnd);
         }
         if (hasOpen)
-            writeWrapped(
-                QStringLiteral("The last change of a day is drawn to midnight and counts in no sum: the "
-                               "card does not say how long it lasts."));
+            writeWrapped(QString::fromLatin1(openEnd));
     }
 
     void writeDay(const Day& day)
@@ -230,8 +221,8 @@ class TextWriter
         m_out << day.date.toString(Qt::ISODate) << ' ' << bandText(day);
         if (!sumsBesideBand())
             m_out << '\n';
-        for (const int minutes : {day.driving, day.work, day.availability, day.rest, day.unknown})
-            m_out << hoursAndMinutes(minutes).rightJustified(sumWidth);
+        for (const ShadeName& each : shadeNames)
+            m_out << hoursAndMinutes(day.*each.sum).rightJustified(sumWidth);
         m_out << '\n';
     }
 
@@ -288,9 +279,9 @@ class TextWriter
         bool isFirst = true;
         for (std::size_t i = 0; i < shown.size(); ++i) {
             const Kind kind = table.columns[shown[i]].kind;
-            const bool isNumber = kind == Kind::Number || kind == Kind::Decimal || kind == Kind::Minutes;
             const QString& cell = cells[static_cast<int>(i)];
-            const QString text = isNumber ? cell.rightJustified(widths[i]) : cell.leftJustified(widths[i]);
+            const QString text =
+                isNumeric(kind) ? cell.rightJustified(widths[i]) : cell.leftJustified(widths[i]);
             if (!isFirst && line.size() + 2 + widths[i] > m_style.columns) {
                 m_out << trimmedRight(line) << '\n';
                 line = QStringLiteral("      ");

@@ -62,6 +62,12 @@ enum class Kind
     Country,
 };
 
+/// True for what stands below each other digit by digit.
+constexpr bool isNumeric(Kind kind)
+{
+    return kind == Kind::Number || kind == Kind::Decimal || kind == Kind::Minutes;
+}
+
 /// The first alternative stands for what the card does not know.
 using Value =
     std::variant<std::monostate, QString, qint64, double, bool, QDateTime, CardDay, Minutes, Code, Country>;

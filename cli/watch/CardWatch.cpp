@@ -151,7 +151,7 @@ void CardWatch::download()
     }
     if (!result.card && m_options.style == ReportStyle::Text)
         out() << "Card in: not known" << Qt::endl;
-    report(result, m_options.style);
+    printDownload(result, m_options.style);
     m_command.run(result.file ? result.file->path : QString(), result.code, typeNameOf(result.card));
 }
 
@@ -161,8 +161,11 @@ void CardWatch::identify(const ReaderSeen& reader)
     const QDateTime seenAt = QDateTime::currentDateTimeUtc();
     const IdentifiedCard identified = identifyCard(reader);
     std::optional<CardFailure> failure;
-    if (!identified.failure.isEmpty())
-        failure = cardFailureOf(identified.failure, {LibraryLog::currentEf(), {}, {}, {}});
+    if (!identified.failure.isEmpty()) {
+        FailureScene scene;
+        scene.ef = LibraryLog::currentEf();
+        failure = cardFailureOf(identified.failure, scene);
+    }
     if (m_options.style == ReportStyle::Json)
         printJson(identificationJson(identified.card, failure, seenAt));
     else

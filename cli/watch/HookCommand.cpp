@@ -3,8 +3,8 @@
 #include "../Console.h"
 #include "../StopSignal.h"
 
-#include <QElapsedTimer>
 #include <QProcess>
+#include <QProcessEnvironment>
 
 #include <csignal>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#include "Html.h"
+#include "HtmlText.h"
 
 #include "../Console.h"
 
