@@ -3,10 +3,10 @@
 // holds when the machine's speed drifts.
 #include "Allocations.h"
 
-#include <pcsc/ExpectedDriver.h>
 #include <scard/SCardDriverG2.h>
 #include <scard/SCardReader.h>
 #include <simulator/DriverCard.h>
+#include <support/ExpectedDriver.h>
 
 #include <benchmark/benchmark.h>
 
@@ -18,7 +18,6 @@
 #include <algorithm>
 #include <chrono>
 #include <stdexcept>
-#include <utility>
 
 namespace {
 
@@ -206,7 +205,7 @@ sim::Bytes imageOf(int days)
     if (days > usualDays)
         parameters.activityLength = static_cast<std::uint16_t>(std::min(days * bytesOfBusyDay, 65535));
     parameters.first.activityLength = parameters.activityLength;
-    return test::expectedImageG2(sim::makeDriverCardG2(parameters));
+    return test::expectedDriverImageG2(sim::makeDriverCardG2(parameters));
 }
 
 void answersAgainstBarePass(benchmark::State& state)

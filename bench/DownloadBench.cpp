@@ -3,10 +3,10 @@
 #include "Allocations.h"
 #include "Channel.h"
 
-#include <pcsc/ExpectedDriver.h>
 #include <scard/SCardReader.h>
 #include <simulator/Card.h>
 #include <simulator/DriverCard.h>
+#include <support/ExpectedDriver.h>
 #include <support/PcscPresence.h>
 
 #include <benchmark/benchmark.h>
@@ -81,7 +81,7 @@ class Connection
 std::vector<sim::Bytes> allCommands()
 {
     std::vector<sim::Bytes> commands;
-    for (const test::Step& step : test::expectedSteps())
+    for (const test::Step& step : test::expectedDriverSteps())
         commands.push_back(sim::fromHex(step.command));
     sim::appendU32(commands.back(), 1700000000);
     return commands;

@@ -1,9 +1,9 @@
 // How the time to read an image grows with its size and with the number of EFs that are looked for: a card's
 // records behind n bytes of the smallest records, so that each lookup has to pass all of them. The sizes are
 // timed in turn within one iteration, so that the ratios hold when the machine's speed drifts.
-#include <pcsc/ExpectedCompany.h>
-#include <pcsc/ExpectedDriver.h>
 #include <scard/SCardReader.h>
+#include <support/ExpectedCompany.h>
+#include <support/ExpectedDriver.h>
 
 #include <benchmark/benchmark.h>
 
@@ -140,8 +140,8 @@ int main(int argc, char* argv[])
         sim::Bytes image;
     } cards[] = {
         {"company_g1", test::expectedCompanyImage(test::companyCard(), 0)},
-        {"driver_g1", test::expectedImage(test::driverCard())},
-        {"driver_g2v2", test::expectedImageG2(test::driverCardV2())},
+        {"driver_g1", test::expectedDriverImage(test::driverCard())},
+        {"driver_g2v2", test::expectedDriverImageG2(test::driverCardV2())},
     };
     for (const auto& card : cards)
         benchmark::RegisterBenchmark(

@@ -1,7 +1,7 @@
 // How long a person waits for `scard show` of a full version 2.2 card, as a whole process, beside a start of
 // the same program that shows nothing. Each iteration times both.
-#include <pcsc/ExpectedDriver.h>
 #include <simulator/DriverCard.h>
+#include <support/ExpectedDriver.h>
 
 #include <benchmark/benchmark.h>
 
@@ -25,7 +25,8 @@ const QString& downloadPath()
         sim::DriverParametersG2 parameters;
         parameters.version2 = true;
         parameters.first.days = 400;
-        const std::vector<unsigned char> image = test::expectedImageG2(sim::makeDriverCardG2(parameters));
+        const std::vector<unsigned char> image =
+            test::expectedDriverImageG2(sim::makeDriverCardG2(parameters));
         const auto size = static_cast<qint64>(image.size());
         if (!file.open() || file.write(reinterpret_cast<const char*>(image.data()), size) != size ||
             !file.flush())

@@ -1,8 +1,7 @@
-// EF_Driver_Activity_Data: the walk of the buffer, the list of days, and every figure for each of them.
+// EF_Driver_Activity_Data: the walk of the buffer, the list of days, and each day found by its date.
 #include "Target.h"
 
 #include <scard/detail/DayList.h>
-#include <scard/detail/DrivingTime.h>
 
 namespace {
 

@@ -2,8 +2,8 @@
 #include "InputFile.h"
 #include "Target.h"
 
-#include <pcsc/Answers.h>
 #include <scard/SCardReader.h>
+#include <support/Answers.h>
 
 #include <QDate>
 #include <QDateTime>

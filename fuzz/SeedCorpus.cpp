@@ -6,6 +6,7 @@
 #include <cli/Downloads.h>
 #include <scard/SCardReader.h>
 #include <simulator/Card.h>
+#include <support/FileRecords.h>
 
 #include <QDir>
 #include <QFile>
@@ -77,14 +78,14 @@ QByteArray withAnnouncedLength(const QByteArray& activities)
     return QByteArray(1, static_cast<char>(length >> 8)) + static_cast<char>(length & 0xFF) + activities;
 }
 
-void writeSeeds(const QString& root, const std::vector<test::Download>& downloads)
+void writeSeeds(const QString& root, const std::vector<test::CardFile>& downloads)
 {
     Folder image(root + QStringLiteral("/image"));
     Folder show(root + QStringLiteral("/show"));
     Folder card(root + QStringLiteral("/card"));
     Folder activity(root + QStringLiteral("/activity"));
     Folder text(root + QStringLiteral("/text"));
-    for (const test::Download& download : downloads) {
+    for (const test::CardFile& download : downloads) {
         image.add(download.file);
         show.add(download.file);
         for (const auto region : {scard::RegionDDD, scard::RegionC1B, scard::RegionTGD})

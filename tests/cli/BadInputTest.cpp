@@ -1,7 +1,8 @@
 // What the program says to wrong arguments, to files that are no downloads and to output that cannot be
 // written.
 #include "Downloads.h"
-#include "Program.h"
+
+#include <support/Program.h>
 
 #include <gmock/gmock.h>
 

@@ -1,10 +1,11 @@
 // A download that ends anywhere: what can be read is shown, and what is missing is named.
 #include "Downloads.h"
-#include "Program.h"
 
 #include <cli/LibraryLog.h>
 #include <cli/report/ReadReport.h>
 #include <scard/ElementaryFile.h>
+#include <support/FileRecords.h>
+#include <support/Program.h>
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -124,7 +125,7 @@ bool isBoundary(const QByteArray& file, int length)
 }
 
 /// True when the first @p length bytes, whole records, hold all that the library wants.
-bool isEnough(const Download& download, int length)
+bool isEnough(const CardFile& download, int length)
 {
     const std::string name = download.name;
     const QByteArray part = download.file.left(length);
@@ -167,7 +168,7 @@ TEST_P(CutFileTest, ShowsAPartOfTheWholeAndSaysWhatIsMissing)
 {
     const OwnLog log;
     const Folder folder;
-    const Download& download = smallDownload(GetParam());
+    const CardFile& download = smallDownload(GetParam());
     const auto wholeResult =
         report::readReport(folder.write("whole.ddd", download.file), {}, report::Zone::Utc);
     ASSERT_TRUE(wholeResult.report);
@@ -194,7 +195,7 @@ TEST_P(CutFileTest, ShowsTheFirstApplicationWhereTheSecondOneIsCut)
 {
     const OwnLog log;
     const Folder folder;
-    const Download& download = smallDownload(GetParam());
+    const CardFile& download = smallDownload(GetParam());
     const auto records = recordsOf(download.file);
     const auto second = std::find_if(records.begin(), records.end(), [](const FileRecord& record) {
         return record.type == 2 && record.fid == 0x0501;
@@ -299,6 +300,7 @@ TEST(CutFileProgramTest, SaysTheSameInJson)
             entries.first().toObject()["message"].toString().toStdString(),
             "memSelectFile(): Dataset not found");
         EXPECT_EQ(entries.first().toObject()["source"].toString().toStdString(), "libscard");
+        EXPECT_EQ(entries.first().toObject()["id_hex"].toString().toStdString(), "0");
     }
 }
 

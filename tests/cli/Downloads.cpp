@@ -1,10 +1,11 @@
 #include "Downloads.h"
 
-#include <pcsc/CardKind.h>
-#include <pcsc/ExpectedCompany.h>
-#include <pcsc/ExpectedDriver.h>
-#include <pcsc/ExpectedWorkshop.h>
 #include <simulator/DriverCard.h>
+#include <support/CardKind.h>
+#include <support/ExpectedCompany.h>
+#include <support/ExpectedDriver.h>
+#include <support/ExpectedWorkshop.h>
+#include <support/FileRecords.h>
 
 #include <gtest/gtest.h>
 
@@ -33,7 +34,7 @@ QByteArray withTypes(const QByteArray& file)
     return changed;
 }
 
-Download companyDownload(const char* name, const sim::CardDescription& card, bool isOneApplication)
+CardFile companyDownload(const char* name, const sim::CardDescription& card, bool isOneApplication)
 {
     const QByteArray file = fileOf(expectedCompanyImageG2(card));
     return {name, card, isOneApplication ? file : withTypes(file), isOneApplication};
@@ -41,9 +42,9 @@ Download companyDownload(const char* name, const sim::CardDescription& card, boo
 
 } // namespace
 
-const std::vector<Download>& realDownloads()
+const std::vector<CardFile>& realDownloads()
 {
-    static const std::vector<Download> downloads = [] {
+    static const std::vector<CardFile> downloads = [] {
         WorkshopCountsG2 workshop;
         WorkshopCountsG2 workshopV2;
         workshopV2.version2 = true;
@@ -52,10 +53,10 @@ const std::vector<Download>& realDownloads()
         const sim::CardDescription workshops[] = {
             workshopCard(), workshopCardG2(workshop), workshopCardG2(workshopV2)};
         const sim::CardDescription companies[] = {companyCard(), companyCardG2({}), companyCardG2(company)};
-        return std::vector<Download>{
-            {"driver g1", driverCard(), fileOf(expectedImage(driverCard()))},
-            {"driver g2", driverCardG2(), fileOf(expectedImageG2(driverCardG2()))},
-            {"driver g2v2", driverCardV2(), fileOf(expectedImageG2(driverCardV2()))},
+        return std::vector<CardFile>{
+            {"driver g1", driverCard(), fileOf(expectedDriverImage(driverCard()))},
+            {"driver g2", driverCardG2(), fileOf(expectedDriverImageG2(driverCardG2()))},
+            {"driver g2v2", driverCardV2(), fileOf(expectedDriverImageG2(driverCardV2()))},
             {"workshop g1", workshops[0], fileOf(expectedWorkshopImage(workshops[0]))},
             {"workshop g2", workshops[1], fileOf(expectedWorkshopImageG2(workshops[1]))},
             {"workshop g2v2", workshops[2], fileOf(expectedWorkshopImageG2(workshops[2]))},
@@ -68,10 +69,10 @@ const std::vector<Download>& realDownloads()
     return downloads;
 }
 
-const std::vector<Download>& smallDownloads()
+const std::vector<CardFile>& smallDownloads()
 {
-    static const std::vector<Download> downloads = [] {
-        std::vector<Download> made;
+    static const std::vector<CardFile> downloads = [] {
+        std::vector<CardFile> made;
         for (const CardKind& kind :
              {driverKind(), driverG2Kind(), driverV2Kind(), workshopKind(), workshopV2Kind(), companyKind()})
             made.push_back({kind.name, kind.card, fileOf(kind.image(kind.card, 0))});
@@ -83,11 +84,11 @@ const std::vector<Download>& smallDownloads()
     return downloads;
 }
 
-const Download& smallDownload(const char* name)
+const CardFile& smallDownload(const char* name)
 {
     const auto& all = smallDownloads();
     const auto found = std::find_if(
-        all.begin(), all.end(), [name](const Download& each) { return std::string(each.name) == name; });
+        all.begin(), all.end(), [name](const CardFile& each) { return std::string(each.name) == name; });
     if (found == all.end())
         throw std::invalid_argument(name);
     return *found;
@@ -105,30 +106,7 @@ QByteArray driverFileG2(const sim::DriverParametersG2& parameters)
 
 QByteArray downloadOf(const sim::CardDescription& card)
 {
-    return fileOf(card.applications.size() == 1 ? expectedImage(card) : expectedImageG2(card));
-}
-
-std::vector<FileRecord> recordsOf(const QByteArray& file)
-{
-    std::vector<FileRecord> records;
-    const auto byte = [&file](int at) {
-        return static_cast<unsigned int>(static_cast<unsigned char>(file.at(at)));
-    };
-    for (int position = 0; position + 5 <= file.size(); position = records.back().end()) {
-        const int length = static_cast<int>(byte(position + 3) << 8 | byte(position + 4));
-        records.push_back({position, byte(position) << 8 | byte(position + 1), byte(position + 2), length});
-    }
-    return records;
-}
-
-FileRecord recordOf(const QByteArray& file, unsigned int fid, unsigned int type)
-{
-    for (const FileRecord& record : recordsOf(file)) {
-        if (record.fid == fid && record.type == type)
-            return record;
-    }
-    ADD_FAILURE() << "no record of this EF";
-    return {};
+    return fileOf(card.applications.size() == 1 ? expectedDriverImage(card) : expectedDriverImageG2(card));
 }
 
 sim::Bytes& contentOf(sim::CardDescription& card, std::size_t application, unsigned int fid)

@@ -13,7 +13,7 @@
 namespace test {
 
 /// A card and the file that its download makes.
-struct Download
+struct CardFile
 {
     const char* name;
     sim::CardDescription card;
@@ -25,11 +25,11 @@ struct Download
 };
 
 /// Each kind of card, with as many records as it has in real life.
-const std::vector<Download>& realDownloads();
+const std::vector<CardFile>& realDownloads();
 
 /// Each kind of card with few records.
-const std::vector<Download>& smallDownloads();
-const Download& smallDownload(const char* name);
+const std::vector<CardFile>& smallDownloads();
+const CardFile& smallDownload(const char* name);
 
 /// The download of a driver card.
 QByteArray driverFile(const sim::DriverParameters& parameters = {});
@@ -37,35 +37,6 @@ QByteArray driverFileG2(const sim::DriverParametersG2& parameters = {});
 
 /// The download of @p card, a driver card.
 QByteArray downloadOf(const sim::CardDescription& card);
-
-/// A record of a file.
-struct FileRecord
-{
-    int offset = 0;
-    unsigned int fid = 0;
-    unsigned int type = 0;
-    int length = 0;
-
-    int begin() const { return offset + 5; }
-    int end() const { return begin() + length; }
-};
-
-std::vector<FileRecord> recordsOf(const QByteArray& file);
-
-/// The record of @p fid and @p type; the test fails when there is none.
-FileRecord recordOf(const QByteArray& file, unsigned int fid, unsigned int type = 0);
-
-/// @p file without the records that @p isUnwanted accepts.
-template <typename Predicate>
-QByteArray without(const QByteArray& file, Predicate isUnwanted)
-{
-    QByteArray rest;
-    for (const FileRecord& record : recordsOf(file)) {
-        if (!isUnwanted(record))
-            rest += file.mid(record.offset, record.end() - record.offset);
-    }
-    return rest;
-}
 
 /// The content of an EF of a card, to be changed.
 sim::Bytes& contentOf(sim::CardDescription& card, std::size_t application, unsigned int fid);

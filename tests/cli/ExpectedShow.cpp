@@ -526,12 +526,12 @@ QJsonObject companyApplication(
          })}};
 }
 
-int typeOf(const Download& download)
+int typeOf(const CardFile& download)
 {
     return contentOf(download.card.applications.front(), 0x0501).front();
 }
 
-QJsonObject application(const Download& download, std::size_t index, Zone zone)
+QJsonObject application(const CardFile& download, std::size_t index, Zone zone)
 {
     const sim::ApplicationDescription& card = download.card.applications.at(index);
     const bool isSecond = index == 1;
@@ -548,7 +548,7 @@ QJsonObject application(const Download& download, std::size_t index, Zone zone)
     return companyApplication(card, isIdentified ? &download.card.applications.at(1) : nullptr, zone);
 }
 
-bool isSecondGeneration(const Download& download)
+bool isSecondGeneration(const CardFile& download)
 {
     return download.card.applications.size() == 2 && !download.isOneApplication;
 }
@@ -584,7 +584,7 @@ QJsonValue isoTime(std::uint32_t time, Zone zone)
     return whole.left(whole.size() - 5) + (offset == "+0000" ? "Z" : offset.left(3) + ':' + offset.right(2));
 }
 
-QJsonArray expectedApplications(const Download& download, Zone zone)
+QJsonArray expectedApplications(const CardFile& download, Zone zone)
 {
     QJsonArray applications;
     for (std::size_t i = 0; i < (isSecondGeneration(download) ? 2u : 1u); ++i) {
@@ -596,7 +596,7 @@ QJsonArray expectedApplications(const Download& download, Zone zone)
     return applications;
 }
 
-QJsonObject expectedCard(const Download& download)
+QJsonObject expectedCard(const CardFile& download)
 {
     sim::ApplicationDescription master;
     master.files = download.card.masterFiles;

@@ -21,10 +21,10 @@ enum class Zone
 QJsonValue isoTime(std::uint32_t time, Zone zone);
 
 /// The applications, codes without their words.
-QJsonArray expectedApplications(const Download& download, Zone zone);
+QJsonArray expectedApplications(const CardFile& download, Zone zone);
 
 /// Type, generation and chip, likewise.
-QJsonObject expectedCard(const Download& download);
+QJsonObject expectedCard(const CardFile& download);
 
 /// The remaining times by the last day of @p days but that to the next break, by the rules in words.
 QJsonObject expectedFigures(const QJsonArray& days);

@@ -1,6 +1,8 @@
 // Files of other programs: some leave out certificates, signatures or what they do not know.
 #include "Downloads.h"
-#include "Program.h"
+
+#include <support/FileRecords.h>
+#include <support/Program.h>
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -94,7 +96,7 @@ TEST(OtherProgramsFileTest, NamesWhatMayBeMissing)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.card) + " without " + row.name);
-        const Download& download = smallDownload(row.card);
+        const CardFile& download = smallDownload(row.card);
         const QByteArray file = without(download.file, row.isLeftOut);
         ASSERT_LT(file.size(), download.file.size());
         const Shown result = shown(file);
@@ -114,7 +116,7 @@ TEST(OtherProgramsFileTest, NamesWhatMayBeMissing)
 
 TEST(OtherProgramsFileTest, ShowsTheSameWithoutSignatures)
 {
-    for (const Download& download : smallDownloads()) {
+    for (const CardFile& download : smallDownloads()) {
         const Shown all = shown(download.file);
         const Shown some = shown(without(download.file, isSignature));
         EXPECT_EQ(some.download["applications"], all.download["applications"]) << download.name;

@@ -1,6 +1,8 @@
 // `scard records`: what stands in a file, whatever it is.
 #include "Downloads.h"
-#include "Program.h"
+
+#include <support/FileRecords.h>
+#include <support/Program.h>
 
 #include <gmock/gmock.h>
 
@@ -96,7 +98,7 @@ TEST(RecordsTest, SaysThatAFileHasNoRecordOfACard)
 TEST(RecordsTest, ListsEveryRecordOfEveryKindOfCardByName)
 {
     const Folder folder;
-    for (const Download& download : smallDownloads()) {
+    for (const CardFile& download : smallDownloads()) {
         SCOPED_TRACE(download.name);
         const Outcome outcome = run({"records", folder.write("card.ddd", download.file)});
         EXPECT_EQ(outcome.exitCode, 0);

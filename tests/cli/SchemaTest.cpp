@@ -1,7 +1,11 @@
 // docs/schema/show.schema.json describes what `scard show --json` prints.
 #include "Downloads.h"
-#include "Program.h"
 
+#include <support/Program.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -27,7 +31,7 @@ TEST(SchemaTest, HoldsForEveryKindOfCardAndForDamagedFiles)
     const Folder folder;
     QStringList outputs;
     QStringList files;
-    for (const Download& download : smallDownloads()) {
+    for (const CardFile& download : smallDownloads()) {
         const QString name = QString::fromLatin1(download.name);
         files << folder.write(name + ".ddd", download.file);
         outputs << shown(folder, name + ".json", {files.back()});
@@ -142,6 +146,34 @@ TEST(SchemaTest, FindsWhatIsNotAsDescribed)
     const std::string errors = schemaErrors("show", changed);
     for (const QString& path : changed)
         EXPECT_THAT(errors, HasSubstr(path.toStdString() + ": "));
+}
+
+QJsonObject schema(const QString& name)
+{
+    QFile file(QFileInfo(SHOW_SCHEMA).dir().filePath(name));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << file.fileName().toStdString();
+    return QJsonDocument::fromJson(file.readAll()).object();
+}
+
+QJsonObject definition(const QJsonObject& schema, const char* name)
+{
+    return schema["$defs"].toObject()[QLatin1String(name)].toObject();
+}
+
+TEST(SchemaTest, SaysTheSameOfACardAndOfAFailureEverywhere)
+{
+    const QJsonObject card = schema("card.schema.json");
+    const QJsonObject download = schema("download.schema.json");
+    ASSERT_FALSE(definition(card, "card").isEmpty());
+    EXPECT_EQ(card["$defs"], download["$defs"]);
+
+    const auto entryKeys = [](const QJsonObject& failure) {
+        const QJsonObject entries = failure["properties"].toObject()["entries"].toObject();
+        return entries["items"].toObject()["required"].toArray();
+    };
+    const QJsonArray keys = entryKeys(definition(download, "failure"));
+    ASSERT_FALSE(keys.isEmpty());
+    EXPECT_EQ(entryKeys(definition(schema("show.schema.json"), "damage")), keys);
 }
 
 TEST(SchemaTest, DescribesEveryKey)

@@ -1,10 +1,15 @@
 // `scard show --csv`: one table, as RFC 4180 says.
 #include "Downloads.h"
 #include "ExpectedShow.h"
-#include "Program.h"
 
 #include <simulator/DriverCard.h>
+#include <support/FileRecords.h>
+#include <support/Program.h>
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSet>
 #include <QStringList>
 
 #include <gmock/gmock.h>
@@ -285,12 +290,35 @@ TEST(ShowCsvTest, HasTheHeaderAloneWhereTheRangeLeavesNothing)
     EXPECT_EQ(parsed(outcome.out).size(), 1u);
 }
 
+TEST(ShowCsvTest, OffersEveryListOfTheJson)
+{
+    const Folder folder;
+    QSet<QString> lists;
+    for (const CardFile& download : smallDownloads()) {
+        const QString path = folder.write("card.ddd", download.file);
+        const QByteArray json = QByteArray::fromStdString(run({"show", "--json", path}).out);
+        const QJsonObject report =
+            QJsonDocument::fromJson(json).object()["downloads"].toArray().first().toObject();
+        for (const QJsonValue& each : report["applications"].toArray()) {
+            const QJsonObject application = each.toObject();
+            for (const QString& key : application.keys()) {
+                if (application[key].isArray())
+                    lists << key;
+            }
+            if (application["days"].toArray().first().toObject()["periods"].isArray())
+                lists << "periods";
+        }
+    }
+    const QStringList offered = QString(tables).split(", ");
+    EXPECT_EQ(lists, QSet<QString>(offered.begin(), offered.end()));
+}
+
 TEST(ShowCsvTest, OffersEveryTableOfItsHelp)
 {
     const std::string help = run({"show", "--help"}).out;
     const Folder folder;
     QStringList files;
-    for (const Download& download : smallDownloads())
+    for (const CardFile& download : smallDownloads())
         files << folder.write(QString::fromLatin1(download.name), download.file);
     for (const QString& name : QString(tables).split(", ")) {
         EXPECT_THAT(help, HasSubstr(name.toStdString()));

@@ -1,6 +1,8 @@
 // `scard show --html`: a page that needs nothing beside itself.
 #include "Downloads.h"
-#include "Program.h"
+
+#include <support/FileRecords.h>
+#include <support/Program.h>
 
 #include <QFile>
 #include <QJsonArray>
@@ -49,14 +51,14 @@ TEST(ShowHtmlTest, IsAWholePageForEveryKindOfCard)
 {
     const Folder folder;
     QStringList files;
-    for (const Download& download : smallDownloads()) {
+    for (const CardFile& download : smallDownloads()) {
         files << folder.write(QString::fromLatin1(download.name) + ".ddd", download.file);
         const std::string text = textOfPage({files.back()});
         EXPECT_THAT(text, HasSubstr(std::string(download.name) + ".ddd")) << download.name;
         EXPECT_THAT(text, HasSubstr(" card")) << download.name;
     }
     const std::string all = textOfPage(files);
-    for (const Download& download : smallDownloads())
+    for (const CardFile& download : smallDownloads())
         EXPECT_THAT(all, HasSubstr(std::string(download.name) + ".ddd"));
 }
 

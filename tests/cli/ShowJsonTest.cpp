@@ -1,7 +1,9 @@
 // `scard show --json` against the bytes that the cards are made of.
 #include "Downloads.h"
 #include "ExpectedShow.h"
-#include "Program.h"
+
+#include <support/FileRecords.h>
+#include <support/Program.h>
 
 #include <QCryptographicHash>
 #include <QDateTime>
@@ -98,7 +100,7 @@ int countOf(const QByteArray& file, bool signaturesOnly)
 TEST(ShowJsonTest, SaysOfEveryKindOfCardExactlyWhatItWasMadeOf)
 {
     const Folder folder;
-    for (const Download& download : realDownloads()) {
+    for (const CardFile& download : realDownloads()) {
         SCOPED_TRACE(download.name);
         const QString path = folder.write("card.ddd", download.file);
         for (const Zone zone : {Zone::Local, Zone::Utc}) {
@@ -147,7 +149,7 @@ TEST(ShowJsonTest, SaysWhatSimulatedCardsAreNeverMadeOf)
         SCOPED_TRACE(row.name);
         sim::CardDescription card = smallDownload("driverV2").card;
         overwrite(contentOf(card, 1, row.fid), row.offset, row.content);
-        const Download download{row.name, card, downloadOf(card)};
+        const CardFile download{row.name, card, downloadOf(card)};
         const QString path = folder.write("card.ddd", download.file);
         EXPECT_EQ(
             difference(
@@ -177,7 +179,7 @@ TEST(ShowJsonTest, KeepsDaysWhoseChangesAreNotInOrder)
         SCOPED_TRACE(row.name);
         sim::CardDescription card = smallDownload("driver").card;
         contentOf(card, 0, 0x0504) = activityFile({{1709596800, row.changes}}, 600);
-        const Download download{row.name, card, downloadOf(card)};
+        const CardFile download{row.name, card, downloadOf(card)};
         EXPECT_EQ(
             difference(
                 comparable(shown({folder.write("card.ddd", download.file)})["applications"]),
@@ -189,7 +191,7 @@ TEST(ShowJsonTest, KeepsDaysWhoseChangesAreNotInOrder)
 TEST(ShowJsonTest, SaysWhatFileItIs)
 {
     const Folder folder;
-    for (const Download& download : realDownloads()) {
+    for (const CardFile& download : realDownloads()) {
         const QString path = folder.write("card.ddd", download.file);
         const QJsonObject expected{
             {"path", path},
@@ -237,7 +239,7 @@ TEST(ShowJsonTest, ReckonsTheFiguresOfADriverFromTheDaysThatAreShown)
 TEST(ShowJsonTest, HasFiguresOfDriverCardsOnly)
 {
     const Folder folder;
-    for (const Download& download : realDownloads()) {
+    for (const CardFile& download : realDownloads()) {
         const bool isDriver = QByteArray(download.name).startsWith("driver");
         EXPECT_EQ(shown({folder.write("card.ddd", download.file)})["figures"].isObject(), isDriver)
             << download.name;

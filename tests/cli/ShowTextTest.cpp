@@ -1,7 +1,9 @@
 // `scard show` for people.
 #include "Downloads.h"
 #include "ExpectedShow.h"
-#include "Program.h"
+
+#include <support/FileRecords.h>
+#include <support/Program.h>
 
 #include <gmock/gmock.h>
 
@@ -143,7 +145,7 @@ TEST(ShowTextTest, DrawsFinerWhereThereIsRoom)
 TEST(ShowTextTest, KeepsWithinTheColumns)
 {
     const Folder folder;
-    for (const Download& download : smallDownloads()) {
+    for (const CardFile& download : smallDownloads()) {
         for (const int columns : {70, 80, 120}) {
             std::istringstream lines(shown(download.file, {}, {{"COLUMNS", QString::number(columns)}}));
             for (std::string line; std::getline(lines, line);) {

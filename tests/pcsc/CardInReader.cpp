@@ -1,7 +1,10 @@
 #include "CardInReader.h"
-#include "ExpectedDriver.h"
 
+#include <support/ExpectedDriver.h>
+
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 
 #include <utility>
@@ -17,8 +20,23 @@ CardInReader::CardInReader()
 
 CardInReader::~CardInReader()
 {
+    removeDownloads();
     EXPECT_EQ(pcsc().listsNotFreed(), 0u);
     pcsc().reset();
+}
+
+QStringList CardInReader::downloads()
+{
+    QStringList paths;
+    for (const QFileInfo& file : QDir("/tmp").entryInfoList({"C_*", "*.C1B"}, QDir::Files | QDir::System))
+        paths.append(file.filePath());
+    return paths;
+}
+
+void CardInReader::removeDownloads()
+{
+    for (const QString& path : downloads())
+        EXPECT_TRUE(QFile::remove(path)) << path.toStdString();
 }
 
 sim::Card& CardInReader::insert(sim::CardDescription description)

@@ -11,6 +11,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <vector>
@@ -23,6 +24,10 @@ class CardInReader : public testing::Test
   protected:
     CardInReader();
     ~CardInReader() override;
+
+    /// Paths of the downloads that lie in "/tmp/", and their removal, with which each test ends.
+    static QStringList downloads();
+    static void removeDownloads();
 
     /// Puts another card into the reader.
     sim::Card& insert(sim::CardDescription description);

@@ -1,16 +1,15 @@
 // A whole download of a company card of either generation, version 2.2 included, through one
 // SCardReader::read().
-#include "Answers.h"
 #include "CardInReader.h"
-#include "ExpectedCompany.h"
 #include "FullDisk.h"
-#include "LoadedAgain.h"
 #include "VerifyImage.h"
 
 #include <simulator/CompanyCard.h>
+#include <support/Answers.h>
 #include <support/DebugStream.h>
+#include <support/ExpectedCompany.h>
+#include <support/LoadedAgain.h>
 
-#include <QDir>
 #include <QFile>
 #include <QRegularExpression>
 
@@ -46,13 +45,6 @@ const char* const smrdt = "00 A4 04 0C 06 FF 53 4D 52 44 54";
 class DownloadCompanyTest : public CardInReader
 {
   protected:
-    ~DownloadCompanyTest() override
-    {
-        QDir tmp("/tmp");
-        for (const QString& name : tmp.entryList({"C_*", "CARD_*"}, QDir::Files))
-            tmp.remove(name);
-    }
-
     /// Puts a card in, downloads it and expects nothing else than success.
     Download downloadOf(const sim::CardDescription& description)
     {
@@ -304,7 +296,7 @@ TEST_F(DownloadCompanyTest, ACardOfTheFirstGenerationThatDoesNotSignEndsTheDownl
                 lib("Error reading EF_Application_Identification:", row.word),
                 lib("Failed reading card data")));
         EXPECT_FALSE(result.card);
-        EXPECT_THAT(QDir("/tmp").entryList({"C_*"}, QDir::Files), IsEmpty());
+        EXPECT_THAT(downloads(), IsEmpty());
     }
 }
 
@@ -442,11 +434,10 @@ TEST_F(DownloadCompanyTest, AFullDiskEndsTheSave)
                 lib("Failed at saving card data to file")));
         EXPECT_FALSE(result.card);
         // What was written of it stays.
-        EXPECT_EQ(QDir("/tmp").entryList({"C_*"}, QDir::Files).size(), 1);
-        EXPECT_EQ(
-            fileContent("/tmp/" + QDir("/tmp").entryList({"C_*"}, QDir::Files).front()).size(),
-            static_cast<int>(row.room));
-        QFile::remove("/tmp/" + QDir("/tmp").entryList({"C_*"}, QDir::Files).front());
+        const QStringList files = downloads();
+        ASSERT_EQ(files.size(), 1);
+        EXPECT_EQ(fileContent(files.front()).size(), static_cast<int>(row.room));
+        removeDownloads();
     }
 }
 

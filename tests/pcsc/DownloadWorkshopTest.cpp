@@ -1,16 +1,15 @@
 // A whole download of a workshop card of either generation, version 2.2 included, through one
 // SCardReader::read().
-#include "Answers.h"
 #include "CardInReader.h"
-#include "ExpectedWorkshop.h"
 #include "FullDisk.h"
-#include "LoadedAgain.h"
 #include "VerifyImage.h"
 
 #include <simulator/WorkshopCard.h>
+#include <support/Answers.h>
 #include <support/DebugStream.h>
+#include <support/ExpectedWorkshop.h>
+#include <support/LoadedAgain.h>
 
-#include <QDir>
 #include <QFile>
 #include <QRegularExpression>
 
@@ -43,13 +42,6 @@ class DownloadWorkshopTest : public CardInReader
 {
   protected:
     DownloadWorkshopTest() { insert(workshopCard()); }
-
-    ~DownloadWorkshopTest() override
-    {
-        QDir tmp("/tmp");
-        for (const QString& name : tmp.entryList({"C_*", "D_*", "CARD_*"}, QDir::Files))
-            tmp.remove(name);
-    }
 
     /// noOfCalibrationsSinceDownload
     unsigned int counter(const sim::Bytes& application)
@@ -382,9 +374,9 @@ TEST_F(DownloadWorkshopTest, AFailedResetNamesTheDriverCardsFileAndLeavesTheDown
             lib("ScDataTransfer failed", 0x6581), lib("ScWriteFile Failed ", 0x6581),
             lib("writeTo() ScReadFile() Failed: ID 509", 0x6581), lib("Failed at post download task")));
     EXPECT_EQ(counter(sim::AidG1), 7u);
-    const QStringList files = QDir("/tmp").entryList({"C_*"}, QDir::Files);
+    const QStringList files = downloads();
     ASSERT_EQ(files.size(), 1);
-    EXPECT_EQ(bytes(fileContent("/tmp/" + files.front())), expectedWorkshopImage(workshop));
+    EXPECT_EQ(bytes(fileContent(files.front())), expectedWorkshopImage(workshop));
 }
 
 TEST_F(DownloadWorkshopTest, WhenTheFirstResetFailsTheSecondApplicationIsNotTouched)

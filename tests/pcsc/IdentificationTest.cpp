@@ -1,9 +1,9 @@
 // Type, generation and serial of an inserted card.
 #include "CardInReader.h"
-#include "ExpectedDriver.h"
 
 #include <support/DebugStream.h>
 #include <support/ErrorChain.h>
+#include <support/ExpectedDriver.h>
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,8 @@
 #include "FileFault.h"
 
-#include <pcsc/RememberingSigner.h>
+#include "RememberingSigner.h"
 #include <support/DebugStream.h>
+#include <support/FileRecords.h>
 
 #include <QDir>
 
@@ -37,11 +38,6 @@ FileFault::FileFault() : description(withRememberedSignatures(kind.card)), image
     expectWholeAndStamped(downloadFresh(), image);
     removeDownloads();
     m_openDescriptors = openDescriptors();
-}
-
-FileFault::~FileFault()
-{
-    removeDownloads();
 }
 
 Download FileFault::downloadFresh(scard::FilenameRegion region)
@@ -98,34 +94,22 @@ std::vector<bool> FileFault::written()
     return changed;
 }
 
-std::vector<RecordExtent> FileFault::records() const
-{
-    std::vector<RecordExtent> all;
-    for (std::size_t begin = 0; begin < image.size(); begin = all.back().end) {
-        const std::size_t payload = begin + headerLength;
-        all.push_back(
-            {begin, payload, payload + sim::readU16(image, begin + 3), sim::readU16(image, begin),
-             image[begin + 2] % 2 == 1});
-    }
-    return all;
-}
-
 Chain FileFault::errorOfRoom(std::size_t room, const std::string& reason) const
 {
     // What the save of a first application ends with is not asked: of a card with two, the second's first
     // record is what finds no room then.
-    const std::vector<RecordExtent> all = records();
-    const auto last = std::find_if(
-        all.rbegin(), all.rend(), [](const RecordExtent& record) { return record.fid == fidIcc; });
-    const std::size_t from = std::max(room, last->begin);
-    const auto failing = std::find_if(
-        all.begin(), all.end(), [from](const RecordExtent& record) { return from < record.end; });
+    const auto all = recordsOf(image);
+    const auto last =
+        std::find_if(all.rbegin(), all.rend(), [](const auto& record) { return record.fid == fidIcc; });
+    const std::size_t from = std::max(room, last->offset);
+    const auto failing =
+        std::find_if(all.begin(), all.end(), [from](const auto& record) { return from < record.end(); });
 
     Chain error = kind.nothingToSave();
     std::replace(
         error.begin(), error.end(), lib("writeDatasetToFile(): no valid data"),
-        lib((failing->signature ? "writeSignatureToFile() write failed: "
-                                : "writeDatasetToFile() write failed: ") +
+        lib((failing->type % 2 == 1 ? "writeSignatureToFile() write failed: "
+                                    : "writeDatasetToFile() write failed: ") +
             reason));
     return error;
 }
@@ -139,10 +123,10 @@ std::vector<std::size_t> FileFault::placesToStop() const
 {
     std::set<std::size_t> places;
     std::size_t withinHeader = 1;
-    for (const RecordExtent& record : records()) {
+    for (const auto& record : recordsOf(image)) {
         places.insert(
-            {record.begin, record.begin + withinHeader, record.payload,
-             record.payload + (record.end - record.payload) / 2, record.end - 1});
+            {record.offset, record.offset + withinHeader, record.begin(), record.begin() + record.length / 2,
+             record.end() - 1});
         withinHeader = withinHeader % (headerLength - 1) + 1;
     }
     std::vector<std::size_t> tried;
@@ -161,21 +145,6 @@ void FileFault::expectCutFile(std::size_t size) const
     const sim::Bytes content = bytes(fileContent(files.front()));
     EXPECT_EQ(content.size(), size);
     EXPECT_TRUE(content.size() <= image.size() && std::equal(content.begin(), content.end(), image.begin()));
-}
-
-QStringList FileFault::downloads()
-{
-    QStringList paths;
-    for (const QFileInfo& file :
-         QDir("/tmp").entryInfoList({"C_*.DDD", "*.C1B", "C_*.TGD"}, QDir::Files | QDir::System))
-        paths.append(file.filePath());
-    return paths;
-}
-
-void FileFault::removeDownloads()
-{
-    for (const QString& path : downloads())
-        EXPECT_TRUE(QFile::remove(path)) << path.toStdString();
 }
 
 std::size_t FileFault::commandsBeforeStamp() const

@@ -1,31 +1,18 @@
 #pragma once
 
 #include <pcsc/CardInReader.h>
-#include <pcsc/CardKind.h>
-
-#include <QStringList>
+#include <support/CardKind.h>
 
 #include <cstddef>
 #include <vector>
 
 namespace test {
 
-/// A record of a download image, by the places of its bytes.
-struct RecordExtent
-{
-    std::size_t begin = 0;
-    std::size_t payload = 0; ///< behind the header
-    std::size_t end = 0;
-    unsigned int fid = 0;
-    bool signature = false;
-};
-
 /// One kind of small card, and a "/tmp/" in which its download's file meets with something.
 class FileFault : public CardInReader, public testing::WithParamInterface<CardKind>
 {
   protected:
     FileFault();
-    ~FileFault() override;
 
     /// A download of a card that nobody has downloaded before.
     Download downloadFresh(scard::FilenameRegion region = scard::RegionDDD);
@@ -42,8 +29,6 @@ class FileFault : public CardInReader, public testing::WithParamInterface<CardKi
     /// What the last download has written to the card, first application first.
     std::vector<bool> written();
 
-    std::vector<RecordExtent> records() const;
-
     /// The error of a save that has room for so many bytes; the disk calls that @p reason.
     Chain errorOfRoom(std::size_t room, const std::string& reason) const;
     static Chain errorOfNoFile();
@@ -53,10 +38,6 @@ class FileFault : public CardInReader, public testing::WithParamInterface<CardKi
 
     /// The only file in "/tmp/" is the image's beginning of this size.
     void expectCutFile(std::size_t size) const;
-
-    /// Paths of the downloads that lie in "/tmp/", and their removal.
-    static QStringList downloads();
-    static void removeDownloads();
 
     /// Commands before the first one that follows the save.
     std::size_t commandsBeforeStamp() const;

@@ -2,7 +2,8 @@
 // named.
 #include "ImageReading.h"
 
-#include <pcsc/Answers.h>
+#include <support/Answers.h>
+#include <support/FileRecords.h>
 
 #include <gmock/gmock.h>
 
@@ -56,7 +57,7 @@ void expectPart(const std::string& part, const std::string& whole, const Selecti
     EXPECT_EQ(linesBut(part, changed), linesBut(whole, changed));
 }
 
-bool hasNeeded(const Download& download, const Selection& left, bool isSecond)
+bool hasNeeded(const CardFile& download, const Selection& left, bool isSecond)
 {
     const auto needed = neededEfs(download, isSecond);
     return std::all_of(needed.begin(), needed.end(), [&left, isSecond](unsigned int fid) {
@@ -75,7 +76,7 @@ QByteArray wholeRecords(const QByteArray& file, int length)
     return file.left(end);
 }
 
-Chain failureOfPrefix(const Download& download, int length)
+Chain failureOfPrefix(const CardFile& download, int length)
 {
     constexpr int header = 5;
     if (length < header)
@@ -86,7 +87,7 @@ Chain failureOfPrefix(const Download& download, int length)
     return failure.value_or(Chain{});
 }
 
-class ImagePrefixTest : public testing::TestWithParam<Download>
+class ImagePrefixTest : public testing::TestWithParam<CardFile>
 {
   protected:
     ImageReader reader;
@@ -94,7 +95,7 @@ class ImagePrefixTest : public testing::TestWithParam<Download>
 
 TEST_P(ImagePrefixTest, EveryLengthIsReadOrTheFirstEfThatIsNotWholeIsNamed)
 {
-    const Download& download = GetParam();
+    const CardFile& download = GetParam();
     for (int length = 0; length < download.file.size(); ++length)
         EXPECT_EQ(
             withoutRequested(reader.failureOf(download.file.left(length))), failureOfPrefix(download, length))
@@ -104,7 +105,7 @@ TEST_P(ImagePrefixTest, EveryLengthIsReadOrTheFirstEfThatIsNotWholeIsNamed)
 
 TEST_P(ImagePrefixTest, ARecordThatIsCutIsAsIfItWereNotThere)
 {
-    const Download& download = GetParam();
+    const CardFile& download = GetParam();
     for (const FileRecord& each : recordsOf(download.file)) {
         const Reading before = reader.read(download.file.left(each.offset));
         for (const int length : {each.offset + 2, each.begin(), (each.begin() + each.end()) / 2}) {
@@ -117,7 +118,7 @@ TEST_P(ImagePrefixTest, ARecordThatIsCutIsAsIfItWereNotThere)
 
 TEST_P(ImagePrefixTest, WhatIsWholeAnswersAsInTheWholeFile)
 {
-    const Download& download = GetParam();
+    const CardFile& download = GetParam();
     const Reading good = reader.read(download.file);
     ASSERT_TRUE(good.isWhole());
     for (const FileRecord& each : recordsOf(download.file)) {
@@ -138,7 +139,7 @@ TEST_P(ImagePrefixTest, WhatIsWholeAnswersAsInTheWholeFile)
 
 TEST_P(ImagePrefixTest, AnEfMayBeMissingUnlessTheApplicationNeedsIt)
 {
-    const Download& download = GetParam();
+    const CardFile& download = GetParam();
     const auto records = recordsOf(download.file);
     const bool isSecond = selectionOf(download.file).hasSecond();
     for (std::size_t i = 0; i < records.size(); ++i) {
@@ -165,7 +166,7 @@ class RealImagePrefixTest : public ImagePrefixTest
 
 TEST_P(RealImagePrefixTest, OneByteTooFewIsNotTheRecord)
 {
-    const Download& download = GetParam();
+    const CardFile& download = GetParam();
     for (const FileRecord& each : recordsOf(download.file)) {
         for (const int length : {each.end() - 1, each.end()})
             EXPECT_EQ(

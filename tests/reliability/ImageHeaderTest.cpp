@@ -1,6 +1,8 @@
 // A download's file in which one byte of a record's header has another value.
 #include "ImageReading.h"
 
+#include <support/FileRecords.h>
+
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -54,7 +56,7 @@ bool isKnown(const FileRecord& record)
     return record.type <= 3 && std::find(efs.begin(), efs.end(), record.fid) != efs.end();
 }
 
-class ImageHeaderTest : public testing::TestWithParam<Download>
+class ImageHeaderTest : public testing::TestWithParam<CardFile>
 {
   protected:
     ImageReader reader;
@@ -62,7 +64,7 @@ class ImageHeaderTest : public testing::TestWithParam<Download>
 
 TEST_P(ImageHeaderTest, ARecordOfAnUnknownNumberOrTypeIsAsIfItWereNotThere)
 {
-    const Download& download = GetParam();
+    const CardFile& download = GetParam();
     const Reading good = reader.read(download.file);
     ASSERT_TRUE(good.isWhole());
     const auto records = recordsOf(download.file);
@@ -84,7 +86,7 @@ TEST_P(ImageHeaderTest, ARecordOfAnUnknownNumberOrTypeIsAsIfItWereNotThere)
 
 TEST_P(ImageHeaderTest, AChangeInTheSecondApplicationLeavesTheAnswersOfTheFirst)
 {
-    const Download& download = GetParam();
+    const CardFile& download = GetParam();
     const Reading good = reader.read(download.file);
     int compared = 0;
     for (const FileRecord& each : recordsOf(download.file)) {
@@ -107,7 +109,7 @@ TEST_P(ImageHeaderTest, AChangeInTheSecondApplicationLeavesTheAnswersOfTheFirst)
 
 TEST_P(ImageHeaderTest, AnotherNumberInTheFirstApplicationLeavesTheAnswersOfTheSecond)
 {
-    const Download& download = GetParam();
+    const CardFile& download = GetParam();
     const Reading good = reader.read(download.file);
     if (good.second.empty())
         return; // a card of the first generation
@@ -127,7 +129,7 @@ TEST_P(ImageHeaderTest, AnotherNumberInTheFirstApplicationLeavesTheAnswersOfTheS
 
 TEST_P(ImageHeaderTest, ALengthBehindTheEndLeavesTheRecordsBefore)
 {
-    const Download& download = GetParam();
+    const CardFile& download = GetParam();
     const auto records = recordsOf(download.file);
     for (std::size_t i = 0; i < records.size(); ++i) {
         const FileRecord& each = records[i];
@@ -151,7 +153,7 @@ class EveryHeaderByteTest : public ImageHeaderTest
 
 TEST_P(EveryHeaderByteTest, EveryOtherValueEndsAsTheRulesSay)
 {
-    const Download& download = GetParam();
+    const CardFile& download = GetParam();
     const Selection good = selectionOf(download.file);
     int changes = 0;
     int notForetold = 0;

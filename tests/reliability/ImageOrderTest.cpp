@@ -1,6 +1,8 @@
 // A download's file with its records in another order, more than once, or with other things between them.
 #include "ImageReading.h"
 
+#include <support/FileRecords.h>
+
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -57,7 +59,7 @@ QByteArray withOtherData(const QByteArray& file)
     return changed;
 }
 
-class ImageOrderTest : public testing::TestWithParam<Download>
+class ImageOrderTest : public testing::TestWithParam<CardFile>
 {
   protected:
     void SetUp() override
@@ -66,7 +68,7 @@ class ImageOrderTest : public testing::TestWithParam<Download>
         ASSERT_TRUE(good.isWhole());
     }
 
-    const Download& download = GetParam();
+    const CardFile& download = GetParam();
     const QByteArray& file = download.file;
     const bool isSecond = selectionOf(file).hasSecond();
     ImageReader reader;

@@ -1,7 +1,8 @@
 #include "ImageReading.h"
 
-#include <pcsc/Answers.h>
 #include <scard/SCardReader.h>
+#include <support/Answers.h>
+#include <support/FileRecords.h>
 
 #include <QLoggingCategory>
 
@@ -125,7 +126,7 @@ Reading ImageReader::readFile(QFile& file)
     return reading;
 }
 
-std::string nameOf(const testing::TestParamInfo<Download>& row)
+std::string nameOf(const testing::TestParamInfo<CardFile>& row)
 {
     std::string name = row.param.name;
     std::replace(name.begin(), name.end(), ' ', '_');

@@ -58,7 +58,7 @@ class ImageReader
 };
 
 /// The last part of a test's name.
-std::string nameOf(const testing::TestParamInfo<Download>& row);
+std::string nameOf(const testing::TestParamInfo<CardFile>& row);
 
 /// A record of its own.
 QByteArray record(unsigned int fid, unsigned int type, const QByteArray& payload);

@@ -8,12 +8,12 @@ namespace test {
 
 namespace {
 
-bool isOf(const Download& download, const char* kind)
+bool isOf(const CardFile& download, const char* kind)
 {
     return std::string(download.name).find(kind) == 0;
 }
 
-bool isVersion2(const Download& download)
+bool isVersion2(const CardFile& download)
 {
     const std::string name = download.name;
     return name.find("V2") != std::string::npos || name.find("g2v2") != std::string::npos;
@@ -77,12 +77,12 @@ Selection selectionOf(const QByteArray& file)
     return selection;
 }
 
-bool isCompany(const Download& download)
+bool isCompany(const CardFile& download)
 {
     return isOf(download, "company");
 }
 
-std::vector<unsigned int> neededEfs(const Download& download, bool isSecond)
+std::vector<unsigned int> neededEfs(const CardFile& download, bool isSecond)
 {
     std::vector<unsigned int> efs = {0x0501, 0xC100, 0xC108, 0x050D};
     if (isCompany(download) && isSecond)
@@ -100,7 +100,7 @@ std::vector<unsigned int> neededEfs(const Download& download, bool isSecond)
     return efs;
 }
 
-std::optional<Chain> expectedFailure(const Download& download, const Selection& good, const Selection& left)
+std::optional<Chain> expectedFailure(const CardFile& download, const Selection& good, const Selection& left)
 {
     const bool isSecond = left.hasSecond();
     const unsigned int type = isSecond ? 2 : 0;
@@ -176,7 +176,7 @@ Chain noApplication(bool isTooShort)
         lib("read() Identify Card Generation failed", fileNotFound)};
 }
 
-void PrintTo(const Download& download, std::ostream* stream)
+void PrintTo(const CardFile& download, std::ostream* stream)
 {
     *stream << download.name;
 }

@@ -48,16 +48,16 @@ const std::vector<unsigned int>& knownEfs();
 /// goes on behind its header.
 Selection selectionOf(const QByteArray& file);
 
-bool isCompany(const Download& download);
+bool isCompany(const CardFile& download);
 
 /// EFs without which an application of a card cannot be read, in the order in which they are read.
-std::vector<unsigned int> neededEfs(const Download& download, bool isSecond);
+std::vector<unsigned int> neededEfs(const CardFile& download, bool isSecond);
 
 /// The error of reading an image of @p download that was damaged so that @p left is what a reading takes;
 /// none where the damage changed what says how long the EFs are. The bytes that were asked for are left out
 /// of it.
 /// @param good selectionOf() the undamaged file
-std::optional<Chain> expectedFailure(const Download& download, const Selection& good, const Selection& left);
+std::optional<Chain> expectedFailure(const CardFile& download, const Selection& good, const Selection& left);
 
 /// @p failure without the numbers of bytes that were asked for.
 Chain withoutRequested(Chain failure);
@@ -71,6 +71,6 @@ Chain shortEf(int length);
 /// The error of an image that has no application.
 Chain noApplication(bool isTooShort);
 
-void PrintTo(const Download& download, std::ostream* stream);
+void PrintTo(const CardFile& download, std::ostream* stream);
 
 } // namespace test

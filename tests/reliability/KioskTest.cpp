@@ -1,9 +1,9 @@
 // `scard watch` through a kiosk's day: card after card, of which half are pulled at any moment.
-#include <pcsc/CardKind.h>
 #include <simulator/VpcdLink.h>
+#include <support/CardKind.h>
 #include <support/Host.h>
 #include <support/PcscPresence.h>
-#include <system/HostProgram.h>
+#include <support/RunningProgram.h>
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 // Files of millions of the smallest records: reading ends, in bounded memory.
 #include "ImageReading.h"
 
-#include <cli/Program.h>
+#include <support/Program.h>
 
 #include <QTemporaryDir>
 

@@ -1,8 +1,8 @@
 // A thousand of everything in one process, as in a program that runs for weeks: nothing of it piles up.
-#include <pcsc/Answers.h>
 #include <pcsc/CardInReader.h>
-#include <pcsc/CardKind.h>
 #include <pcsc/FullDisk.h>
+#include <support/Answers.h>
+#include <support/CardKind.h>
 #include <support/DebugStream.h>
 
 #include <QDir>
@@ -157,11 +157,6 @@ class LongRunTest : public CardInReader
             images.push_back(kind.image(kind.card, 0));
     }
 
-    static QStringList files()
-    {
-        return QDir("/tmp").entryList({"C_*", "CARD_*"}, QDir::Files);
-    }
-
     void expectDownload(std::size_t number)
     {
         const Download result = host.download();
@@ -193,8 +188,7 @@ class LongRunTest : public CardInReader
         disk.reset();
         EXPECT_FALSE(result.failure.isEmpty()) << kinds[number].name << ", command " << step;
         EXPECT_FALSE(result.card);
-        for (const QString& name : files())
-            EXPECT_TRUE(QFile::remove("/tmp/" + name));
+        removeDownloads();
     }
 
     /// What is held between two downloads, with the same card in the reader at each look.
@@ -205,7 +199,7 @@ class LongRunTest : public CardInReader
         EXPECT_EQ(pcsc().connectedCards(), 0u);
         EXPECT_EQ(pcsc().openContexts(), 1u);
         EXPECT_EQ(pcsc().listsNotFreed(), 0u);
-        EXPECT_THAT(files(), IsEmpty());
+        EXPECT_THAT(downloads(), IsEmpty());
         return held();
     }
 

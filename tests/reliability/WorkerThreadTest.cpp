@@ -3,11 +3,11 @@
 // Qt's own locks are inside Qt, where the thread sanitizer does not look; without more it would take each
 // event for a race. So the worker holds a lock while it emits, and the main loop takes it before each event:
 // what Qt orders is ordered for the sanitizer, too, and nothing else is.
-#include <pcsc/Answers.h>
 #include <pcsc/CardInReader.h>
-#include <pcsc/CardKind.h>
-#include <pcsc/LoadedAgain.h>
+#include <support/Answers.h>
+#include <support/CardKind.h>
 #include <support/ErrorChain.h>
+#include <support/LoadedAgain.h>
 
 #include <QCoreApplication>
 #include <QEventLoop>

@@ -1,11 +1,11 @@
 // `scard doctor` as a person uses it.
 #include "CardBehindPcscd.h"
 #include "CardService.h"
-#include "HostProgram.h"
 
-#include <pcsc/ExpectedDriver.h>
 #include <simulator/ControlCard.h>
+#include <support/ExpectedDriver.h>
 #include <support/PcscPresence.h>
+#include <support/RunningProgram.h>
 
 #include <gmock/gmock.h>
 

@@ -1,12 +1,11 @@
 // `scard download` as a person uses it.
 #include "CardBehindPcscd.h"
 #include "CardService.h"
-#include "HostProgram.h"
 
-#include <pcsc/Answers.h>
-#include <pcsc/ExpectedDriver.h>
 #include <simulator/ControlCard.h>
+#include <support/ExpectedDriver.h>
 #include <support/PcscPresence.h>
+#include <support/RunningProgram.h>
 
 #include <QCryptographicHash>
 #include <QDateTime>
@@ -88,7 +87,7 @@ TEST_F(DownloadCommandTest, DownloadsACardAndSaysWhere)
                                    R"(Duration: \d+\.\d s\n$)");
     const QRegularExpressionMatch match = whole.match(QString::fromStdString(outcome.out));
     ASSERT_TRUE(match.hasMatch()) << outcome.out;
-    EXPECT_EQ(bytes(fileContent(match.captured(2))), expectedImage(janasCard()));
+    EXPECT_EQ(bytes(fileContent(match.captured(2))), expectedDriverImage(janasCard()));
 }
 
 TEST_F(DownloadCommandTest, NamesTheFileByTheRegion)
@@ -123,7 +122,7 @@ TEST_F(DownloadCommandTest, TellsTheResultAsJson)
     EXPECT_TRUE(json["downloaded_at"].toString().endsWith('Z'));
     EXPECT_TRUE(json["failure"].isNull());
     const QByteArray image = fileContent(json["file"].toString());
-    EXPECT_EQ(bytes(image), expectedImage(janasCard()));
+    EXPECT_EQ(bytes(image), expectedDriverImage(janasCard()));
     EXPECT_EQ(
         json["sha256"].toString().toLatin1(),
         QCryptographicHash::hash(image, QCryptographicHash::Sha256).toHex());
@@ -202,7 +201,7 @@ TEST_F(DownloadCommandTest, ACardThatStaysInGivesEverythingOnceMore)
         constexpr int chipLength = 43; // EF_ICC and EF_IC
         const QByteArray image = fileContent(QString::fromStdString(outcome.out).trimmed());
         ASSERT_EQ(image.size(), 26635);
-        const auto expected = expectedImage(janasCard());
+        const auto expected = expectedDriverImage(janasCard());
         EXPECT_TRUE(std::equal(expected.begin(), expected.begin() + chipLength, bytes(image).begin())) << i;
     }
 }
@@ -227,7 +226,7 @@ TEST_F(DownloadCommandTest, BringsTheFileIntoTheFolder)
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
     const QString path = QString::fromStdString(outcome.out).trimmed();
     EXPECT_EQ(QFileInfo(path).path(), folder());
-    EXPECT_EQ(bytes(fileContent(path)), expectedImage(janasCard()));
+    EXPECT_EQ(bytes(fileContent(path)), expectedDriverImage(janasCard()));
     EXPECT_FALSE(QFile::exists("/tmp/" + QFileInfo(path).fileName()));
     EXPECT_EQ(namesIn(folder()).size(), 1U);
 }
@@ -250,7 +249,7 @@ TEST_F(DownloadCommandTest, AnExistingFileStaysUnlessForced)
         outcome.err, "scard: " + path.toStdString() +
                          " exists already; --force replaces it.\nThe complete download is " +
                          kept.toStdString() + ".\n");
-    EXPECT_EQ(bytes(fileContent(kept)), expectedImage(janasCard()));
+    EXPECT_EQ(bytes(fileContent(kept)), expectedDriverImage(janasCard()));
     EXPECT_EQ(QFileInfo(path).size(), 0);
 
     takeOut();
@@ -304,7 +303,7 @@ TEST_F(DownloadCommandTest, BringsTheFileOfACardThatCouldNotBeTold)
         StartsWith("scard: The download is complete, but the card could not be told of it: the card "
                    "refused to change EF_Card_Download (status 6581).\n"));
     EXPECT_EQ(QFileInfo(json["file"].toString()).path(), folder());
-    EXPECT_EQ(bytes(fileContent(json["file"].toString())), expectedImage(janasCard()));
+    EXPECT_EQ(bytes(fileContent(json["file"].toString())), expectedDriverImage(janasCard()));
     EXPECT_EQ(json["exit_code"].toInt(), 6);
     EXPECT_FALSE(json["card"]["chip_serial_number"].isNull());
 }
@@ -410,7 +409,7 @@ TEST_F(DownloadCommandTest, AClosedOutputDoesNotEndADownload)
     ASSERT_EQ(namesIn(folder()).size(), 1U);
     EXPECT_EQ(
         bytes(fileContent(folder() + '/' + QString::fromStdString(namesIn(folder()).front()))),
-        expectedImage(janasCard()));
+        expectedDriverImage(janasCard()));
 }
 
 TEST_F(DownloadCommandTest, ShowsTheLibrarysOwnWordsWhenAsked)

@@ -1,11 +1,11 @@
 // A driver card through the real pcscd.
 #include "CardBehindPcscd.h"
 
-#include <pcsc/Answers.h>
-#include <pcsc/ExpectedDriver.h>
-#include <pcsc/LoadedAgain.h>
 #include <simulator/ControlCard.h>
+#include <support/Answers.h>
 #include <support/DebugStream.h>
+#include <support/ExpectedDriver.h>
+#include <support/LoadedAgain.h>
 
 #include <QFile>
 
@@ -31,8 +31,8 @@ TEST_F(SystemDownloadTest, GivesTheSameBytesAsInProcess)
     insert(driverCard());
     const Download result = download();
     EXPECT_THAT(chain(result.failure), IsEmpty());
-    EXPECT_EQ(bytes(result.image), expectedImage(driverCard()));
-    EXPECT_THAT(result.progress, ElementsAreArray(expectedProgress(expectedSteps(), 24959)));
+    EXPECT_EQ(bytes(result.image), expectedDriverImage(driverCard()));
+    EXPECT_THAT(result.progress, ElementsAreArray(expectedProgress(expectedDriverSteps(), 24959)));
     EXPECT_EQ(result.removed, 0);
 }
 
@@ -41,7 +41,7 @@ TEST_F(SystemDownloadTest, SendsTheSameCommandsAsInProcess)
     insert(driverCard());
     EXPECT_THAT(chain(download().failure), IsEmpty());
     takeOut();
-    EXPECT_THAT(withoutStampTimes(commandsOf(card())), ElementsAreArray(commandsOf(expectedSteps())));
+    EXPECT_THAT(withoutStampTimes(commandsOf(card())), ElementsAreArray(commandsOf(expectedDriverSteps())));
 }
 
 TEST_F(SystemDownloadTest, ASecondGenerationCardGivesTheSameBytesAsInProcess)
@@ -49,8 +49,8 @@ TEST_F(SystemDownloadTest, ASecondGenerationCardGivesTheSameBytesAsInProcess)
     insert(driverCardG2());
     const Download result = download();
     EXPECT_THAT(chain(result.failure), IsEmpty());
-    EXPECT_EQ(bytes(result.image), expectedImageG2(driverCardG2()));
-    EXPECT_THAT(result.progress, ElementsAreArray(expectedProgress(expectedStepsG2({}), 64760, 33)));
+    EXPECT_EQ(bytes(result.image), expectedDriverImageG2(driverCardG2()));
+    EXPECT_THAT(result.progress, ElementsAreArray(expectedProgress(expectedDriverStepsG2({}), 64760, 33)));
     EXPECT_EQ(result.removed, 0);
 }
 
@@ -60,10 +60,10 @@ TEST_F(SystemDownloadTest, ACardOfVersion22GivesTheSameBytesByTheSameCommandsAnd
     const qint64 before = QDateTime::currentSecsSinceEpoch();
     const Download result = download();
     EXPECT_THAT(chain(result.failure), IsEmpty());
-    EXPECT_EQ(bytes(result.image), expectedImageG2(driverCardV2()));
-    CountsG2 counts;
+    EXPECT_EQ(bytes(result.image), expectedDriverImageG2(driverCardV2()));
+    DriverCountsG2 counts;
     counts.version2 = true;
-    const std::vector<Step> steps = expectedStepsG2(counts);
+    const std::vector<Step> steps = expectedDriverStepsG2(counts);
     EXPECT_THAT(result.progress, ElementsAreArray(expectedProgress(steps, 120220, 33)));
     takeOut();
     EXPECT_THAT(withoutStampTimes(commandsOf(card())), ElementsAreArray(commandsOf(steps)));
@@ -100,11 +100,11 @@ TEST_F(SystemDownloadTest, ADamagedFirstApplicationDoesNotStopTheSecond)
 {
     insert(driverCardG2());
     card().failAt(30, sim::Fault::status(sim::sw::IntegrityError));
-    const std::vector<Step> steps = expectedStepsG2({});
+    const std::vector<Step> steps = expectedDriverStepsG2({});
     ASSERT_EQ(steps.at(30).generation, 1u);
     const Download result = download();
     EXPECT_THAT(chain(result.failure), IsEmpty());
-    EXPECT_EQ(bytes(result.image), expectedImageG2(driverCardG2(), steps.at(30).fid));
+    EXPECT_EQ(bytes(result.image), expectedDriverImageG2(driverCardG2(), steps.at(30).fid));
 }
 
 TEST_F(SystemDownloadTest, StampsTheCard)
@@ -146,7 +146,7 @@ TEST_F(SystemDownloadTest, ACardPulledHalfWayIsToldAndNotStampedAndTheNextTryWor
         insertAgain();
         const Download next = download();
         EXPECT_THAT(chain(next.failure), IsEmpty());
-        EXPECT_EQ(bytes(next.image), expectedImage(driverCard()));
+        EXPECT_EQ(bytes(next.image), expectedDriverImage(driverCard()));
     }
 }
 

@@ -1,13 +1,13 @@
 // Every kind of card by every naming convention through the real pcscd.
 #include "CardBehindPcscd.h"
 
-#include <pcsc/ExpectedCompany.h>
-#include <pcsc/ExpectedDriver.h>
-#include <pcsc/ExpectedWorkshop.h>
 #include <simulator/CompanyCard.h>
 #include <simulator/ControlCard.h>
 #include <simulator/WorkshopCard.h>
 #include <support/ErrorChain.h>
+#include <support/ExpectedCompany.h>
+#include <support/ExpectedDriver.h>
+#include <support/ExpectedWorkshop.h>
 
 #include <QFile>
 #include <QRegularExpression>
@@ -63,24 +63,24 @@ Kind driver(Generation generation)
     parameters.first.firstNames = "Jana";
     parameters.first.driverIdentification = "DF000000123456";
     parameters.version2 = generation == Generation::Version22;
-    CountsG2 counts;
+    DriverCountsG2 counts;
     counts.version2 = parameters.version2;
     Kind kind{
         nameOf("driver", generation),
         scard::SCardMeta::DriverCard,
         sim::makeDriverCardG1(parameters.first),
-        expectedSteps(),
+        expectedDriverSteps(),
         {},
         0,
         {{scard::RegionDDD, R"(^/tmp/C_\d{8}_\d{4}_J_Mustermann_DF000000123456\.DDD$)"},
          {scard::RegionC1B, R"(^/tmp/D__DF000000123456\d{10}\.C1B$)"},
          {scard::RegionTGD, R"(^/tmp/C_DF000000123456[0-9A-Z]{2}_D_\d{8}_\d{4}\.TGD$)"}}};
     if (generation == Generation::First) {
-        kind.image = expectedImage(kind.card);
+        kind.image = expectedDriverImage(kind.card);
     } else {
         kind.card = sim::makeDriverCardG2(parameters);
-        kind.steps = expectedStepsG2(counts);
-        kind.image = expectedImageG2(kind.card);
+        kind.steps = expectedDriverStepsG2(counts);
+        kind.image = expectedDriverImageG2(kind.card);
     }
     return kind;
 }

@@ -1,12 +1,11 @@
 // `scard watch` as it runs at a kiosk.
 #include "CardBehindPcscd.h"
 #include "CardService.h"
-#include "HostProgram.h"
 
-#include <pcsc/Answers.h>
-#include <pcsc/ExpectedDriver.h>
-#include <pcsc/ExpectedWorkshop.h>
+#include <support/ExpectedDriver.h>
+#include <support/ExpectedWorkshop.h>
 #include <support/PcscPresence.h>
+#include <support/RunningProgram.h>
 
 #include <QDir>
 #include <QFile>
@@ -89,7 +88,7 @@ TEST_F(WatchCommandTest, DownloadsEachCardOnce)
     EXPECT_EQ(QString::fromStdString(outcome.out).count("Card in: "), 10);
     ASSERT_EQ(downloads().size(), 10) << "those of the same minute have numbers";
     for (const QString& name : downloads())
-        EXPECT_EQ(bytes(fileContent(folder() + '/' + name)), expectedImage(driverCard()));
+        EXPECT_EQ(bytes(fileContent(folder() + '/' + name)), expectedDriverImage(driverCard()));
 }
 
 TEST_F(WatchCommandTest, ACardInAnotherReaderChangesNothing)

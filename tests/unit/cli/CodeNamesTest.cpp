@@ -1,5 +1,6 @@
 #include <QtPrinters.h>
 
+#include <cli/CardNames.h>
 #include <cli/report/CodeNames.h>
 
 #include <gtest/gtest.h>
@@ -74,6 +75,21 @@ TEST(CodeNamesTest, KeepsANumberThatHasNoMeaning)
         EXPECT_EQ(row.list(row.code).number, row.code);
         EXPECT_EQ(row.list(row.code).name, QString()) << row.code;
     }
+}
+
+TEST(CodeNamesTest, NamesATypeOfCardAsTheTableOfTypesDoes)
+{
+    const struct
+    {
+        unsigned int type;
+        const char* name;
+    } rows[] = {
+        {0, "card of type 0"}, {1, "driver card"},        {2, "workshop card"},      {3, "control card"},
+        {4, "company card"},   {5, "manufacturing card"}, {6, "vehicle unit"},       {7, "motion sensor"},
+        {8, "card of type 8"}, {17, "card of type 17"},   {255, "card of type 255"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(cardTypeName(static_cast<scard::SCardMeta::Type>(row.type)), QString(row.name));
 }
 
 TEST(CodeNamesTest, NamesAllThatAControlDid)

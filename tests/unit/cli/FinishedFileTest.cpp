@@ -1,3 +1,4 @@
+#include "fixtures/FileContent.h"
 #include "QtPrinters.h"
 
 #include <cli/download/FinishedFile.h>
@@ -15,22 +16,10 @@ namespace {
 
 using FinishedFile::Existing;
 using FinishedFile::Placed;
+using test::contentOf;
+using test::writeFile;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-    return file.readAll();
-}
-
-void write(const QString& path, const QByteArray& content)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    ASSERT_EQ(file.write(content), content.size());
-}
 
 class FinishedFileTest : public testing::Test
 {
@@ -39,7 +28,7 @@ class FinishedFileTest : public testing::Test
     QString finished(const QByteArray& content = "download")
     {
         const QString path = m_source.filePath("C_1.DDD");
-        write(path, content);
+        writeFile(path, content);
         return path;
     }
 
@@ -92,7 +81,7 @@ TEST_F(FinishedFileTest, HasTheRightsOfAPlainFile)
 
 TEST_F(FinishedFileTest, NeverReplacesAFileUnasked)
 {
-    write(inFolder("C_1.DDD"), "older");
+    writeFile(inFolder("C_1.DDD"), "older");
     const QString source = finished();
     const Placed placed = FinishedFile::place(source, folder(), "C_1.DDD", Existing::Refused);
     EXPECT_EQ(placed.failure, inFolder("C_1.DDD") + " exists already; --force replaces it.");
@@ -113,7 +102,7 @@ TEST_F(FinishedFileTest, ALinkToNowhereIsNotReplacedEither)
 
 TEST_F(FinishedFileTest, ReplacesAFileWhenAsked)
 {
-    write(inFolder("C_1.DDD"), "older");
+    writeFile(inFolder("C_1.DDD"), "older");
     const Placed placed = FinishedFile::place(finished(), folder(), "C_1.DDD", Existing::Replaced);
     EXPECT_EQ(placed.failure, QString());
     EXPECT_EQ(contentOf(inFolder("C_1.DDD")), "download");
@@ -164,7 +153,7 @@ TEST_F(FinishedFileTest, AFolderThatWentAwayLeavesTheDownloadWhereItIs)
 
 TEST_F(FinishedFileTest, TriesTheFolderBeforehand)
 {
-    write(inFolder("file"), "");
+    writeFile(inFolder("file"), "");
     EXPECT_EQ(FinishedFile::whyNoFolder(inFolder("gone")), "There is no folder " + inFolder("gone") + ".");
     EXPECT_EQ(FinishedFile::whyNoFolder(inFolder("file")), inFolder("file") + " is not a folder.");
     EXPECT_EQ(FinishedFile::whyNoFolder(folder()), QString());

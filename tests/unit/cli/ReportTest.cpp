@@ -1,7 +1,8 @@
 #include <QtPrinters.h>
 
+#include <cli/report/CardFields.h>
 #include <cli/report/Report.h>
-#include <scard/LocalZone.h>
+#include <fixtures/LocalZone.h>
 
 #include <gtest/gtest.h>
 
@@ -137,6 +138,20 @@ TEST(ReportTest, MakesATableOfTheDaysAndOneOfTheirPeriods)
     EXPECT_EQ(text(1, 1), "2024-03-05 09:00");
     EXPECT_EQ(text(1, 2), "") << "the card does not say how long the last one lasts";
     EXPECT_EQ(text(1, 3), "");
+}
+
+TEST(ReportTest, ReadsCharactersUpToTheFirstZero)
+{
+    const struct
+    {
+        unsigned char bytes[4];
+        const char* text;
+    } rows[] = {
+        {{'A', 'B', 'C', 'D'}, "ABCD"}, {{' ', 'A', 'B', ' '}, "AB"}, {{'A', 0, 'C', 'D'}, "A"},
+        {{0, 'B', 'C', 'D'}, ""},       {{'A', ' ', 0, 0}, "A"},      {{0xC4, 0, 0, 0}, "\u00C4"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(characters(row.bytes), QString::fromUtf8(row.text));
 }
 
 } // namespace

@@ -1,8 +1,8 @@
+#include "fixtures/ActivityBuffer.h"
+#include "fixtures/CardOnImage.h"
+#include "fixtures/DriverImage.h"
+#include "fixtures/RecordBytes.h"
 #include "QtPrinters.h"
-#include "scard/ActivityBuffer.h"
-#include "scard/CardOnImage.h"
-#include "scard/DriverImage.h"
-#include "scard/RecordBytes.h"
 
 #include <scard/SCardDriverG1.h>
 #include <support/DebugStream.h>

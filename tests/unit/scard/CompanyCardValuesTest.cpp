@@ -1,8 +1,8 @@
+#include "fixtures/CompanyImage.h"
+#include "fixtures/LocalZone.h"
+#include "fixtures/RecordBytes.h"
+#include "fixtures/ValueChecks.h"
 #include "QtPrinters.h"
-#include "scard/CompanyImage.h"
-#include "scard/LocalZone.h"
-#include "scard/RecordBytes.h"
-#include "scard/ValueChecks.h"
 
 #include <scard/detail/CompanyValues.h>
 #include <scard/SCardCompanyG1.h>

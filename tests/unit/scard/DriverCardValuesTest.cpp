@@ -1,8 +1,8 @@
+#include "fixtures/DriverImage.h"
+#include "fixtures/DriverImageG2.h"
+#include "fixtures/RecordBytes.h"
+#include "fixtures/ValueChecks.h"
 #include "QtPrinters.h"
-#include "scard/DriverImage.h"
-#include "scard/DriverImageG2.h"
-#include "scard/RecordBytes.h"
-#include "scard/ValueChecks.h"
 
 #include <scard/DriverCardValues.h>
 #include <scard/SCardDriverG1.h>

@@ -1,7 +1,7 @@
+#include "fixtures/ActivityBuffer.h"
+#include "fixtures/CardOnImage.h"
+#include "fixtures/LocalZone.h"
 #include "QtPrinters.h"
-#include "scard/ActivityBuffer.h"
-#include "scard/CardOnImage.h"
-#include "scard/LocalZone.h"
 
 #include <scard/SCardDriverG1.h>
 #include <support/ErrorChain.h>

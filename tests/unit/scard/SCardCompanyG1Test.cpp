@@ -1,8 +1,9 @@
+#include "fixtures/CardOnImage.h"
+#include "fixtures/CompanyImage.h"
+#include "fixtures/ImageFailure.h"
+#include "fixtures/RecordBytes.h"
+#include "fixtures/ValueChecks.h"
 #include "QtPrinters.h"
-#include "scard/CardOnImage.h"
-#include "scard/CompanyImage.h"
-#include "scard/ImageFailure.h"
-#include "scard/RecordBytes.h"
 
 #include <scard/SCardCompanyG1.h>
 #include <scard/SCardReader.h>
@@ -24,6 +25,7 @@ namespace {
 
 using scard::SCardCompanyG1;
 using scard::SCardGeneric;
+using test::behind;
 using test::Bytes;
 using test::chain;
 using test::companyApplication;
@@ -42,6 +44,7 @@ using test::noValidData;
 using test::progressOf;
 using test::saveToOpenFile;
 using test::smallCompanyImage;
+using test::typesOf;
 using test::Version;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -61,22 +64,6 @@ const char applicationText[] =
     "calcDataToRead(): Error reading SCardCompany G1 EF_Application_Identification:";
 
 const char fileName[] = "C_20240305_1407_Company Card_0012345603240A.DDD";
-
-std::vector<int> typesOf(const std::vector<scard::CompanyActivity>& activities)
-{
-    std::vector<int> types;
-    for (const scard::CompanyActivity& activity : activities)
-        types.push_back(activity.activityType);
-    return types;
-}
-
-/// The lower entries and the step's own behind them, with the id of the first.
-test::Chain behind(const aux::Error& lower, const char* text)
-{
-    test::Chain expected = chain(lower);
-    expected.push_back(lib(text, expected.front().id));
-    return expected;
-}
 
 // read()
 

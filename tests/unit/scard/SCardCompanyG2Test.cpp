@@ -1,8 +1,9 @@
+#include "fixtures/CardOnImage.h"
+#include "fixtures/CompanyImage.h"
+#include "fixtures/ImageFailure.h"
+#include "fixtures/RecordBytes.h"
+#include "fixtures/ValueChecks.h"
 #include "QtPrinters.h"
-#include "scard/CardOnImage.h"
-#include "scard/CompanyImage.h"
-#include "scard/ImageFailure.h"
-#include "scard/RecordBytes.h"
 
 #include <scard/SCardCompanyG2.h>
 #include <support/DebugStream.h>
@@ -24,6 +25,7 @@ namespace {
 
 using scard::SCardCompanyG2;
 using scard::SCardGeneric;
+using test::behind;
 using test::Bytes;
 using test::chain;
 using test::companyApplication;
@@ -42,6 +44,7 @@ using test::noValidData;
 using test::progressOf;
 using test::saveToOpenFile;
 using test::smallCompanyImage;
+using test::typesOf;
 using test::Version;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -106,25 +109,9 @@ Image bothApplications(Version version)
     return withSecond(second(version));
 }
 
-std::vector<int> typesOf(const std::vector<scard::CompanyActivity>& activities)
-{
-    std::vector<int> types;
-    for (const scard::CompanyActivity& activity : activities)
-        types.push_back(activity.activityType);
-    return types;
-}
-
 Bytes bytesOf(const scard::CompanyCard_EF_Identification& identification)
 {
     return test::recordBytes(identification);
-}
-
-/// The lower entries and the step's own behind them, with the id of the first.
-test::Chain behind(const aux::Error& lower, const char* text)
-{
-    test::Chain expected = chain(lower);
-    expected.push_back(lib(text, expected.front().id));
-    return expected;
 }
 
 // read()

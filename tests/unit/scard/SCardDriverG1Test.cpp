@@ -1,6 +1,6 @@
+#include "fixtures/DriverImage.h"
+#include "fixtures/ImageFailure.h"
 #include "QtPrinters.h"
-#include "scard/DriverImage.h"
-#include "scard/ImageFailure.h"
 
 #include <scard/SCardDriverG1.h>
 #include <support/DebugStream.h>

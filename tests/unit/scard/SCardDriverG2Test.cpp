@@ -1,10 +1,10 @@
+#include "fixtures/ActivityBuffer.h"
+#include "fixtures/CardOnImage.h"
+#include "fixtures/DriverImage.h"
+#include "fixtures/DriverImageG2.h"
+#include "fixtures/ImageFailure.h"
+#include "fixtures/RecordBytes.h"
 #include "QtPrinters.h"
-#include "scard/ActivityBuffer.h"
-#include "scard/CardOnImage.h"
-#include "scard/DriverImage.h"
-#include "scard/DriverImageG2.h"
-#include "scard/ImageFailure.h"
-#include "scard/RecordBytes.h"
 
 #include <scard/SCardDriverG2.h>
 #include <support/DebugStream.h>

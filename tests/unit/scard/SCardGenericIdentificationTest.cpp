@@ -1,13 +1,12 @@
+#include "fixtures/Image.h"
+#include "fixtures/ImageFailure.h"
 #include "QtPrinters.h"
-#include "scard/Image.h"
 
 #include <scard/SCardGeneric.h>
 #include <support/DebugStream.h>
 #include <support/ErrorChain.h>
 
 #include <gmock/gmock.h>
-
-#include <QDebug>
 
 #include <cstring>
 #include <string>
@@ -23,6 +22,8 @@ using test::chain;
 using test::Image;
 using test::ImageFile;
 using test::lib;
+using test::logged;
+using test::missing;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -51,26 +52,6 @@ class Identified : public SCardGeneric
   private:
     explicit Identified(ImageFile&& file) : SCardGeneric(file, QDateTime(), RegionDDD) {}
 };
-
-/// A line of the debug stream: a text and the error behind it.
-QString logged(const char* text, const aux::Error& failure)
-{
-    QString line;
-    QDebug(&line).noquote() << text << failure;
-    return line.trimmed();
-}
-
-/// The error of an image reader for an EF that is not there.
-aux::Error missing(const char* fid)
-{
-    aux::Error failure;
-    failure.append(
-        aux::ErrorData(QStringLiteral("libscard"), QStringLiteral("memSelectFile(): Dataset not found"), 0));
-    failure.append(aux::ErrorData(
-        QStringLiteral("libscard"),
-        QStringLiteral("readFromMem() memSelectFile() Failed: ID %1").arg(QLatin1String(fid)), 0));
-    return failure;
-}
 
 TEST(Identification, AnImageOfTheFirstGeneration)
 {

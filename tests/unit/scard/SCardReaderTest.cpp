@@ -1,5 +1,5 @@
+#include "fixtures/DriverImage.h"
 #include "QtPrinters.h"
-#include "scard/DriverImage.h"
 
 #include <scard/SCardCompanyG1.h>
 #include <scard/SCardCompanyG2.h>

@@ -1,8 +1,8 @@
+#include "fixtures/CardOnImage.h"
+#include "fixtures/ImageFailure.h"
+#include "fixtures/RecordBytes.h"
+#include "fixtures/WorkshopImage.h"
 #include "QtPrinters.h"
-#include "scard/CardOnImage.h"
-#include "scard/ImageFailure.h"
-#include "scard/RecordBytes.h"
-#include "scard/WorkshopImage.h"
 
 #include <scard/SCardWorkshopG1.h>
 #include <support/DebugStream.h>

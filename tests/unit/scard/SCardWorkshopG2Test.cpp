@@ -1,9 +1,9 @@
+#include "fixtures/CardOnImage.h"
+#include "fixtures/DriverImageG2.h"
+#include "fixtures/ImageFailure.h"
+#include "fixtures/RecordBytes.h"
+#include "fixtures/WorkshopImage.h"
 #include "QtPrinters.h"
-#include "scard/CardOnImage.h"
-#include "scard/DriverImageG2.h"
-#include "scard/ImageFailure.h"
-#include "scard/RecordBytes.h"
-#include "scard/WorkshopImage.h"
 
 #include <scard/SCardDriverG2.h>
 #include <scard/SCardWorkshopG2.h>

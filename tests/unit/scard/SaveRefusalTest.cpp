@@ -1,7 +1,7 @@
-#include "scard/CardOnImage.h"
-#include "scard/CompanyImage.h"
-#include "scard/ImageFailure.h"
-#include "scard/WorkshopImage.h"
+#include "fixtures/CardOnImage.h"
+#include "fixtures/CompanyImage.h"
+#include "fixtures/ImageFailure.h"
+#include "fixtures/WorkshopImage.h"
 
 #include <scard/SCardCompanyG1.h>
 #include <scard/SCardCompanyG2.h>

@@ -1,8 +1,8 @@
+#include "fixtures/DriverImage.h"
+#include "fixtures/DriverImageG2.h"
+#include "fixtures/RecordBytes.h"
+#include "fixtures/ValueChecks.h"
 #include "QtPrinters.h"
-#include "scard/CardOnImage.h"
-#include "scard/DriverImage.h"
-#include "scard/DriverImageG2.h"
-#include "scard/RecordBytes.h"
 
 #include <scard/SCardDriverG1.h>
 #include <scard/SCardDriverG2.h>
@@ -33,6 +33,7 @@ using test::eventRecord;
 using test::Image;
 using test::notKnown;
 using test::registration;
+using test::secondsOf;
 using test::vehicleRecord;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -82,28 +83,8 @@ Image imageWithFaults(unsigned int perType, const Slots& used)
         .replace(0x0503, ef(0, perType * 2, eventSize, used));
 }
 
-/// A card on an image, read.
-template <typename Card>
-class ReadCard : public test::CardOnImage<Card>
-{
-  public:
-    explicit ReadCard(const Image& image) : test::CardOnImage<Card>(image)
-    {
-        EXPECT_THAT(chain(this->read()), IsEmpty());
-    }
-};
-
-using CardG1 = ReadCard<SCardDriverG1>;
-using CardG2 = ReadCard<SCardDriverG2>;
-
-/// The seconds of a time, which must be local; -1 for a null one.
-qint64 secondsOf(const QDateTime& time)
-{
-    if (time.isNull())
-        return -1;
-    EXPECT_EQ(time.timeSpec(), Qt::LocalTime);
-    return time.toSecsSinceEpoch();
-}
+using CardG1 = test::ReadCard<SCardDriverG1>;
+using CardG2 = test::ReadCard<SCardDriverG2>;
 
 template <typename Item>
 std::vector<qint64> beginsOf(const std::vector<Item>& items)

@@ -1,8 +1,8 @@
+#include "fixtures/LocalZone.h"
+#include "fixtures/RecordBytes.h"
+#include "fixtures/ValueChecks.h"
+#include "fixtures/WorkshopImage.h"
 #include "QtPrinters.h"
-#include "scard/LocalZone.h"
-#include "scard/RecordBytes.h"
-#include "scard/ValueChecks.h"
-#include "scard/WorkshopImage.h"
 
 #include <scard/detail/WorkshopValues.h>
 #include <scard/SCardWorkshopG1.h>

@@ -1,5 +1,5 @@
+#include "fixtures/Image.h"
 #include "QtPrinters.h"
-#include "scard/Image.h"
 
 #include <scard/detail/ApplicationName.h>
 #include <scard/detail/CardApplication.h>

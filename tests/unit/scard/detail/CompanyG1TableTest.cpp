@@ -1,5 +1,5 @@
-#include "scard/EfTableRows.h"
-#include "scard/Image.h"
+#include "fixtures/EfTableRows.h"
+#include "fixtures/Image.h"
 
 #include <scard/detail/CardApplication.h>
 #include <scard/detail/CompanyG1Table.h>
@@ -13,6 +13,7 @@ namespace {
 
 using namespace scard::detail;
 using test::Bytes;
+using test::withByte;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -35,12 +36,6 @@ const std::vector<test::ExpectedRow> expectedRows = {
      false,
      {{2, 1, 1}, {46, 0, 1}}},
 };
-
-Bytes withByte(Bytes bytes, std::size_t index, unsigned char value)
-{
-    bytes.at(index) = value;
-    return bytes;
-}
 
 TEST(CompanyG1Table, IsTheApplicationOfItsGeneration)
 {

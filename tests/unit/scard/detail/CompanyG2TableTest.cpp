@@ -1,5 +1,5 @@
-#include "scard/EfTableRows.h"
-#include "scard/Image.h"
+#include "fixtures/EfTableRows.h"
+#include "fixtures/Image.h"
 
 #include <scard/detail/CardApplication.h>
 #include <scard/detail/CompanyG2Table.h>
@@ -13,6 +13,7 @@ namespace {
 
 using namespace scard::detail;
 using test::Bytes;
+using test::withByte;
 using testing::ElementsAre;
 
 // In reading order.
@@ -43,12 +44,6 @@ const std::vector<test::ExpectedRow> expectedRows = {
      true,
      {{4, 1, 1}}},
 };
-
-Bytes withByte(Bytes bytes, std::size_t index, unsigned char value)
-{
-    bytes.at(index) = value;
-    return bytes;
-}
 
 TEST(CompanyG2Table, IsTheSecondApplicationSavedAsTheFirstGenerationsData)
 {

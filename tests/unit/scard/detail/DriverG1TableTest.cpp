@@ -1,5 +1,5 @@
-#include "scard/DriverImage.h"
-#include "scard/EfTableRows.h"
+#include "fixtures/DriverImage.h"
+#include "fixtures/EfTableRows.h"
 
 #include <scard/detail/CardApplication.h>
 #include <scard/detail/DriverG1Table.h>

@@ -1,5 +1,5 @@
-#include "scard/EfTableRows.h"
-#include "scard/Image.h"
+#include "fixtures/EfTableRows.h"
+#include "fixtures/Image.h"
 
 #include <scard/detail/CardApplication.h>
 #include <scard/detail/DriverG2Table.h>
@@ -13,6 +13,7 @@ namespace {
 
 using namespace scard::detail;
 using test::Bytes;
+using test::withByte;
 using testing::ElementsAre;
 
 // In reading order.
@@ -126,12 +127,6 @@ const std::vector<test::ExpectedRow> expectedRows = {
      true,
      {{2, 1, 1}, {5, 0, 1}}},
 };
-
-Bytes withByte(Bytes bytes, std::size_t index, unsigned char value)
-{
-    bytes.at(index) = value;
-    return bytes;
-}
 
 const Bytes noRecords(17, 0);
 const Bytes noRecordsV2(10, 0);

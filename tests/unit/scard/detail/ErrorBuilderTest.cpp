@@ -1,12 +1,7 @@
 #include <scard/detail/ErrorBuilder.h>
-#include <scard/detail/PcscError.h>
 #include <support/ErrorChain.h>
 
 #include <gmock/gmock.h>
-
-#include <winscard.h>
-
-#include <string>
 
 namespace {
 
@@ -62,17 +57,6 @@ TEST(ErrorBuilder, FidsAreLowerCaseHexadecimalWithoutLeadingZeros)
     EXPECT_EQ(hexFid(0xC100), QStringLiteral("c100"));
     EXPECT_EQ(hexFid(0x0002), QStringLiteral("2"));
     EXPECT_EQ(hexFid(0xFFFF), QStringLiteral("ffff"));
-}
-
-TEST(PcscError, KeepsTheReturnCodeInTheTextOnly)
-{
-    for (const LONG code : {SCARD_W_REMOVED_CARD, SCARD_E_NO_READERS_AVAILABLE, SCARD_E_NO_SERVICE}) {
-        const std::string text = pcsc_stringify_error(code);
-        SCOPED_TRACE(text);
-        EXPECT_THAT(
-            chain(pcscError(QStringLiteral("init: failed"), code)),
-            ElementsAre(test::Entry{"SCard", "init: failed: " + text, 0}));
-    }
 }
 
 } // namespace

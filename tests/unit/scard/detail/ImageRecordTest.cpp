@@ -1,4 +1,4 @@
-#include "scard/Image.h"
+#include "fixtures/Image.h"
 
 #include <scard/detail/ApplicationName.h>
 #include <scard/detail/ImageRecord.h>

@@ -1,3 +1,4 @@
+#include "fixtures/FileContent.h"
 #include "QtPrinters.h"
 
 #include <scard/detail/OutputFile.h>
@@ -21,6 +22,8 @@ namespace {
 
 using scard::detail::openInTmp;
 using scard::detail::syncToDisk;
+using test::contentOf;
+using test::writeFile;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -47,20 +50,6 @@ class NameInTmp
   private:
     QString m_name;
 };
-
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-    return file.readAll();
-}
-
-void writeTo(const QString& path, const QByteArray& content)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
-    ASSERT_EQ(file.write(content), content.size());
-}
 
 TEST(OpenInTmp, CreatesTheFileAndOpensItForWritingOnly)
 {
@@ -92,7 +81,7 @@ TEST(OpenInTmp, WhatIsWrittenIsInTheFileAtOnce)
 TEST(OpenInTmp, CutsAnExistingFile)
 {
     const NameInTmp name;
-    writeTo(name.path(), QByteArray(1000, 'x'));
+    writeFile(name.path(), QByteArray(1000, 'x'));
     QFile file;
 
     openInTmp(file, name.name());
@@ -151,7 +140,7 @@ TEST(OpenInTmp, RefusesASymbolicLinkAndLeavesItsTargetAlone)
     const QTemporaryDir folder;
     ASSERT_TRUE(folder.isValid());
     const QString target = folder.filePath(QStringLiteral("target"));
-    writeTo(target, "precious");
+    writeFile(target, "precious");
     const NameInTmp name;
     ASSERT_TRUE(QFile::link(target, name.path()));
     QFile file;

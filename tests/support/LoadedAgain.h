@@ -1,8 +1,9 @@
 #pragma once
 
+#include "ErrorChain.h"
+#include "Host.h"
+
 #include <scard/SCardReader.h>
-#include <support/ErrorChain.h>
-#include <support/Host.h>
 
 #include <QFile>
 

@@ -1,17 +1,16 @@
 // A whole download of a second-generation driver card, version 2.2 included, through one
 // SCardReader::read().
-#include "Answers.h"
 #include "CardInReader.h"
 #include "DriverCardV2Transcript.h"
-#include "ExpectedDriver.h"
 #include "FullDisk.h"
-#include "LoadedAgain.h"
 #include "VerifyImage.h"
 
 #include <scard/SCardDriverG2.h>
+#include <support/Answers.h>
 #include <support/DebugStream.h>
+#include <support/ExpectedDriver.h>
+#include <support/LoadedAgain.h>
 
-#include <QDir>
 #include <QFile>
 
 #include <gmock/gmock.h>
@@ -35,17 +34,10 @@ sim::CardDescription cardWith(const std::function<void(sim::DriverParametersG2&)
     return sim::makeDriverCardG2(parameters);
 }
 
-class DownloadG2Test : public CardInReader
+class DownloadDriverG2Test : public CardInReader
 {
   protected:
-    DownloadG2Test() { insert(driverCardG2()); }
-
-    ~DownloadG2Test() override
-    {
-        QDir tmp("/tmp");
-        for (const QString& name : tmp.entryList({"C_*", "CARD_*"}, QDir::Files))
-            tmp.remove(name);
-    }
+    DownloadDriverG2Test() { insert(driverCardG2()); }
 
     sim::Bytes stampOf(const sim::Bytes& application) { return *card().file(application, 0x050E); }
 
@@ -56,43 +48,43 @@ class DownloadG2Test : public CardInReader
     }
 };
 
-TEST_F(DownloadG2Test, ACardOfVersion22GetsExactlyTheseCommandsFromTheFirstSelectToTheSecondStamp)
+TEST_F(DownloadDriverG2Test, ACardOfVersion22GetsExactlyTheseCommandsFromTheFirstSelectToTheSecondStamp)
 {
     insert(driverCardV2());
     ASSERT_THAT(chain(download().failure), IsEmpty());
     EXPECT_THAT(withoutStampTimes(commands()), ElementsAreArray(driverCardV2Commands));
 
     // The script by which the other tests name each command is the same.
-    CountsG2 counts;
+    DriverCountsG2 counts;
     counts.version2 = true;
-    EXPECT_THAT(commandsOf(expectedStepsG2(counts)), ElementsAreArray(driverCardV2Commands));
+    EXPECT_THAT(commandsOf(expectedDriverStepsG2(counts)), ElementsAreArray(driverCardV2Commands));
 }
 
-TEST_F(DownloadG2Test, ACardThatIsNotOfVersion22GetsNoCommandForItsFiles)
+TEST_F(DownloadDriverG2Test, ACardThatIsNotOfVersion22GetsNoCommandForItsFiles)
 {
     ASSERT_THAT(chain(download().failure), IsEmpty());
-    EXPECT_THAT(withoutStampTimes(commands()), ElementsAreArray(commandsOf(expectedStepsG2({}))));
+    EXPECT_THAT(withoutStampTimes(commands()), ElementsAreArray(commandsOf(expectedDriverStepsG2({}))));
     for (const std::string& command : commands())
         for (const char* fid : {"05 25", "05 26", "05 27", "05 28", "05 29", "05 30"})
             EXPECT_NE(command, std::string("00 A4 02 0C 02 ") + fid);
 }
 
-TEST_F(DownloadG2Test, WritesTheImageByteForByte)
+TEST_F(DownloadDriverG2Test, WritesTheImageByteForByte)
 {
     const Download result = download();
-    EXPECT_EQ(bytes(result.image), expectedImageG2(driverCardG2()));
+    EXPECT_EQ(bytes(result.image), expectedDriverImageG2(driverCardG2()));
     EXPECT_EQ(result.image.size(), 67502);
 }
 
-TEST_F(DownloadG2Test, WritesTheImageOfVersion22ByteForByte)
+TEST_F(DownloadDriverG2Test, WritesTheImageOfVersion22ByteForByte)
 {
     insert(driverCardV2());
     const Download result = download();
-    EXPECT_EQ(bytes(result.image), expectedImageG2(driverCardV2()));
+    EXPECT_EQ(bytes(result.image), expectedDriverImageG2(driverCardV2()));
     EXPECT_EQ(result.image.size(), 123406);
 }
 
-TEST_F(DownloadG2Test, TheImageRepeatsTheChipsFilesBehindTheFirstApplication)
+TEST_F(DownloadDriverG2Test, TheImageRepeatsTheChipsFilesBehindTheFirstApplication)
 {
     const QByteArray image = download().image;
     EXPECT_TRUE(image.startsWith(QByteArray::fromHex("0002000019")));
@@ -102,34 +94,35 @@ TEST_F(DownloadG2Test, TheImageRepeatsTheChipsFilesBehindTheFirstApplication)
     EXPECT_EQ(image.mid(26635 + 43, 5), QByteArray::fromHex("0501020011"));
 }
 
-TEST_F(DownloadG2Test, EverySignatureVerifiesUpToTheRootsOfBothGenerations)
+TEST_F(DownloadDriverG2Test, EverySignatureVerifiesUpToTheRootsOfBothGenerations)
 {
     insert(driverCardV2());
     EXPECT_EQ(verifiedSignatures(bytes(download().image)), 12u + 20);
 }
 
-TEST_F(DownloadG2Test, ReportsThesePercentages)
+TEST_F(DownloadDriverG2Test, ReportsThesePercentages)
 {
     insert(driverCardV2());
     const Download result = download();
     EXPECT_THAT(result.progress, ElementsAreArray(driverCardV2Progress));
-    CountsG2 counts;
+    DriverCountsG2 counts;
     counts.version2 = true;
     EXPECT_THAT(
-        expectedProgress(expectedStepsG2(counts), 120220, 33), ElementsAreArray(driverCardV2Progress));
+        expectedProgress(expectedDriverStepsG2(counts), 120220, 33), ElementsAreArray(driverCardV2Progress));
     // The chip's files are in both applications' totals, and count once as moved.
     EXPECT_TRUE(DebugStream::contains("=== Progress: 176 dataToRead: 120220%:0"));
     EXPECT_TRUE(DebugStream::contains("=== Progress: 120187 dataToRead: 120220%:99"));
 }
 
-TEST_F(DownloadG2Test, TheTotalWithoutVersion22IsTheSumOfBothApplications)
+TEST_F(DownloadDriverG2Test, TheTotalWithoutVersion22IsTheSumOfBothApplications)
 {
     const Download result = download();
-    EXPECT_THAT(result.progress, ElementsAreArray(expectedProgress(expectedStepsG2({}), 24959 + 39801, 33)));
+    EXPECT_THAT(
+        result.progress, ElementsAreArray(expectedProgress(expectedDriverStepsG2({}), 24959 + 39801, 33)));
     EXPECT_TRUE(DebugStream::contains("=== Progress: 64727 dataToRead: 64760%:99"));
 }
 
-TEST_F(DownloadG2Test, SignalsComeOnceAndInTheOrderOfTheRoad)
+TEST_F(DownloadDriverG2Test, SignalsComeOnceAndInTheOrderOfTheRoad)
 {
     const Download result = download();
     EXPECT_THAT(result.types, ElementsAre(scard::SCardMeta::DriverCard));
@@ -142,7 +135,7 @@ TEST_F(DownloadG2Test, SignalsComeOnceAndInTheOrderOfTheRoad)
     EXPECT_EQ(result.removed, 0);
 }
 
-TEST_F(DownloadG2Test, StampsBothApplicationsWithTheTimeOfTheDownload)
+TEST_F(DownloadDriverG2Test, StampsBothApplicationsWithTheTimeOfTheDownload)
 {
     const qint64 before = QDateTime::currentSecsSinceEpoch();
     ASSERT_THAT(chain(download().failure), IsEmpty());
@@ -153,7 +146,7 @@ TEST_F(DownloadG2Test, StampsBothApplicationsWithTheTimeOfTheDownload)
     }
 }
 
-TEST_F(DownloadG2Test, EachRegionNamesTheFileAsForTheFirstGeneration)
+TEST_F(DownloadDriverG2Test, EachRegionNamesTheFileAsForTheFirstGeneration)
 {
     insert(cardWith([](sim::DriverParametersG2& parameters) {
         parameters.first.surname = "Mustermann";
@@ -165,7 +158,7 @@ TEST_F(DownloadG2Test, EachRegionNamesTheFileAsForTheFirstGeneration)
 
 // The card and its image answer alike.
 
-TEST_F(DownloadG2Test, AnImageLoadedAgainAnswersAsTheCardDid)
+TEST_F(DownloadDriverG2Test, AnImageLoadedAgainAnswersAsTheCardDid)
 {
     for (const sim::CardDescription& description : {driverCardG2(), driverCardV2()}) {
         insert(description);
@@ -196,7 +189,7 @@ TEST_F(DownloadG2Test, AnImageLoadedAgainAnswersAsTheCardDid)
     }
 }
 
-TEST_F(DownloadG2Test, TheListsOfBothApplicationsTellOfTheSameDays)
+TEST_F(DownloadDriverG2Test, TheListsOfBothApplicationsTellOfTheSameDays)
 {
     insert(driverCardV2());
     const Download result = download();
@@ -220,9 +213,9 @@ TEST_F(DownloadG2Test, TheListsOfBothApplicationsTellOfTheSameDays)
 
 // A first application that cannot be read.
 
-TEST_F(DownloadG2Test, AFailureInTheFirstApplicationDoesNotStopTheSecond)
+TEST_F(DownloadDriverG2Test, AFailureInTheFirstApplicationDoesNotStopTheSecond)
 {
-    const std::vector<Step> steps = expectedStepsG2({});
+    const std::vector<Step> steps = expectedDriverStepsG2({});
     for (const unsigned int fid :
          {0x0520u, 0x0501u, 0xC100u, 0xC108u, 0x050Eu, 0x0521u, 0x0502u, 0x0503u, 0x0504u, 0x0505u, 0x0506u,
           0x0507u, 0x0508u, 0x0522u}) {
@@ -238,7 +231,7 @@ TEST_F(DownloadG2Test, AFailureInTheFirstApplicationDoesNotStopTheSecond)
         const Download result = download();
         EXPECT_THAT(chain(result.failure), IsEmpty());
         ASSERT_TRUE(result.card);
-        EXPECT_EQ(bytes(result.image), expectedImageG2(driverCardG2(), fid));
+        EXPECT_EQ(bytes(result.image), expectedDriverImageG2(driverCardG2(), fid));
         EXPECT_TRUE(stamped(sim::AidG1));
         EXPECT_TRUE(stamped(sim::AidG2));
 
@@ -271,7 +264,7 @@ TEST_F(DownloadG2Test, AFailureInTheFirstApplicationDoesNotStopTheSecond)
     }
 }
 
-TEST_F(DownloadG2Test, ACardWithoutAFirstApplicationIsReadAndSavedAndCannotBeStampedThere)
+TEST_F(DownloadDriverG2Test, ACardWithoutAFirstApplicationIsReadAndSavedAndCannotBeStampedThere)
 {
     sim::CardDescription secondOnly = driverCardG2();
     secondOnly.applications.erase(secondOnly.applications.begin());
@@ -283,13 +276,13 @@ TEST_F(DownloadG2Test, ACardWithoutAFirstApplicationIsReadAndSavedAndCannotBeSta
             lib("read() Select DF_Tachograph failed", 0x6A82), lib("ScDataTransfer failed", 0x6A82),
             lib("ScSelectFile Failed: By Name\xC3\xBFTACHO", 0x6A82), lib("Failed at post download task")));
     EXPECT_FALSE(stamped(sim::AidG2));
-    const sim::Bytes whole = expectedImageG2(driverCardG2(), 0x0520);
+    const sim::Bytes whole = expectedDriverImageG2(driverCardG2(), 0x0520);
     EXPECT_EQ(bytes(fileContent("/tmp/CARD_FILENAME_NOT_SET.DDD")), whole);
 }
 
-TEST_F(DownloadG2Test, TheFirstApplicationsCountsMustBeReadable)
+TEST_F(DownloadDriverG2Test, TheFirstApplicationsCountsMustBeReadable)
 {
-    const std::vector<Step> steps = expectedStepsG2({});
+    const std::vector<Step> steps = expectedDriverStepsG2({});
     const auto counts = std::find_if(steps.begin(), steps.end(), [](const Step& step) {
         return step.phase == Phase::Total && step.fid == 0x0501;
     });
@@ -306,7 +299,7 @@ TEST_F(DownloadG2Test, TheFirstApplicationsCountsMustBeReadable)
     EXPECT_EQ(card().commandCount(), index + 1);
 }
 
-TEST_F(DownloadG2Test, ASecondReadingThatFailsInTheFirstApplicationForgetsTheListsOfTheFirst)
+TEST_F(DownloadDriverG2Test, ASecondReadingThatFailsInTheFirstApplicationForgetsTheListsOfTheFirst)
 {
     scard::SCardGeneric identified(connect(), QDateTime::currentDateTimeUtc(), scard::RegionDDD);
     ASSERT_THAT(chain(identified.readCardInfo()), IsEmpty());
@@ -340,9 +333,9 @@ TEST_F(DownloadG2Test, ASecondReadingThatFailsInTheFirstApplicationForgetsTheLis
 
 // The second application.
 
-TEST_F(DownloadG2Test, ASecondApplicationThatCannotBeSelectedForItsCountsIsLoggedAndEndsTheDownload)
+TEST_F(DownloadDriverG2Test, ASecondApplicationThatCannotBeSelectedForItsCountsIsLoggedAndEndsTheDownload)
 {
-    const std::vector<Step> steps = expectedStepsG2({});
+    const std::vector<Step> steps = expectedDriverStepsG2({});
     const auto select = std::find_if(steps.begin(), steps.end(), [](const Step& step) {
         return step.phase == Phase::Total && step.name == "SMRDT";
     });
@@ -362,7 +355,7 @@ TEST_F(DownloadG2Test, ASecondApplicationThatCannotBeSelectedForItsCountsIsLogge
         1);
 }
 
-TEST_F(DownloadG2Test, CountsThatNoCardHasEndTheDownload)
+TEST_F(DownloadDriverG2Test, CountsThatNoCardHasEndTheDownload)
 {
     // Every count FF: the events are the first EF that is larger than any can be.
     sim::Bytes identification = *card().file(sim::AidG2, 0x0501);
@@ -376,7 +369,7 @@ TEST_F(DownloadG2Test, CountsThatNoCardHasEndTheDownload)
     EXPECT_FALSE(stamped(sim::AidG1));
 }
 
-TEST_F(DownloadG2Test, AnEfThatIsTooLongTogetherWithItsPointersEndsTheDownload)
+TEST_F(DownloadDriverG2Test, AnEfThatIsTooLongTogetherWithItsPointersEndsTheDownload)
 {
     // 65,532 bytes of days, each of which could be read, behind two pointers of two bytes.
     sim::Bytes identification = *card().file(sim::AidG2, 0x0501);
@@ -390,7 +383,7 @@ TEST_F(DownloadG2Test, AnEfThatIsTooLongTogetherWithItsPointersEndsTheDownload)
     EXPECT_FALSE(stamped(sim::AidG1));
 }
 
-TEST_F(DownloadG2Test, ACardWithoutAnyRecordsHasNothingToSaveForItsEvents)
+TEST_F(DownloadDriverG2Test, ACardWithoutAnyRecordsHasNothingToSaveForItsEvents)
 {
     insert(driverCardV2());
     const auto setZero = [this](unsigned short fid, std::size_t from, std::size_t to) {
@@ -418,7 +411,7 @@ TEST_F(DownloadG2Test, ACardWithoutAnyRecordsHasNothingToSaveForItsEvents)
         ElementsAre(lib("saveToFile() Failed"), lib("writeDatasetToFile(): no valid data")));
 }
 
-TEST_F(DownloadG2Test, AVersion22CardWithoutItsCountsFailsBeforeAnythingIsRead)
+TEST_F(DownloadDriverG2Test, AVersion22CardWithoutItsCountsFailsBeforeAnythingIsRead)
 {
     sim::CardDescription card22 = driverCardV2();
     std::vector<sim::FileDescription>& files = card22.applications.at(1).files;
@@ -445,22 +438,22 @@ TEST_F(DownloadG2Test, AVersion22CardWithoutItsCountsFailsBeforeAnythingIsRead)
     EXPECT_FALSE(stamped(sim::AidG1));
 }
 
-TEST_F(DownloadG2Test, ASecondApplicationThatCannotBeReadEndsTheDownloadAndNothingIsStamped)
+TEST_F(DownloadDriverG2Test, ASecondApplicationThatCannotBeReadEndsTheDownloadAndNothingIsStamped)
 {
-    const std::vector<Step> steps = expectedStepsG2({});
+    const std::vector<Step> steps = expectedDriverStepsG2({});
     const auto failing = std::find_if(steps.begin(), steps.end(), [](const Step& step) {
         return step.phase == Phase::Reading && step.generation == 2 && step.fid == 0x0524;
     });
     card().failAt(static_cast<std::size_t>(failing - steps.begin()), sim::Fault::status(0x6400));
     const Download result = download();
-    EXPECT_EQ(chain(result.failure), expectedChainG2(*failing, lib("ScDataTransfer failed", 0x6400)));
+    EXPECT_EQ(chain(result.failure), expectedDriverChainG2(*failing, lib("ScDataTransfer failed", 0x6400)));
     EXPECT_EQ(DebugStream::lines().filter("Error reading m_EF_GNSS_Places: libscard").size(), 1);
     EXPECT_FALSE(result.card);
     EXPECT_FALSE(stamped(sim::AidG1));
     EXPECT_FALSE(stamped(sim::AidG2));
 }
 
-TEST_F(DownloadG2Test, AReadThatFailedInTheSecondApplicationLeavesNothingToSaveOrStamp)
+TEST_F(DownloadDriverG2Test, AReadThatFailedInTheSecondApplicationLeavesNothingToSaveOrStamp)
 {
     scard::SCardGeneric identified(connect(), QDateTime::currentDateTimeUtc(), scard::RegionDDD);
     ASSERT_THAT(chain(identified.readCardInfo()), IsEmpty());
@@ -483,47 +476,49 @@ TEST_F(DownloadG2Test, AReadThatFailedInTheSecondApplicationLeavesNothingToSaveO
     EXPECT_TRUE(DebugStream::contains("Save failed g2: false true"));
 }
 
-TEST_F(DownloadG2Test, WhenTheFirstStampFailsTheSecondApplicationIsNotTouched)
+TEST_F(DownloadDriverG2Test, WhenTheFirstStampFailsTheSecondApplicationIsNotTouched)
 {
-    const std::vector<Step> steps = expectedStepsG2({});
+    const std::vector<Step> steps = expectedDriverStepsG2({});
     const auto firstStamp =
         std::find_if(steps.begin(), steps.end(), [](const Step& step) { return step.kind == Kind::Update; });
     card().failAt(
         static_cast<std::size_t>(firstStamp - steps.begin()), sim::Fault::status(sim::sw::WriteFailed));
     const Download result = download();
-    EXPECT_EQ(chain(result.failure), expectedChainG2(*firstStamp, lib("ScDataTransfer failed", 0x6581)));
+    EXPECT_EQ(
+        chain(result.failure), expectedDriverChainG2(*firstStamp, lib("ScDataTransfer failed", 0x6581)));
     EXPECT_FALSE(stamped(sim::AidG1));
     EXPECT_FALSE(stamped(sim::AidG2));
     EXPECT_EQ(commands().back().substr(0, 14), "00 D6 00 00 04");
 }
 
-TEST_F(DownloadG2Test, WhenTheSecondStampFailsTheFirstStays)
+TEST_F(DownloadDriverG2Test, WhenTheSecondStampFailsTheFirstStays)
 {
-    const std::vector<Step> steps = expectedStepsG2({});
+    const std::vector<Step> steps = expectedDriverStepsG2({});
     card().failAt(steps.size() - 1, sim::Fault::status(sim::sw::WriteFailed));
     const Download result = download();
-    EXPECT_EQ(chain(result.failure), expectedChainG2(steps.back(), lib("ScDataTransfer failed", 0x6581)));
+    EXPECT_EQ(
+        chain(result.failure), expectedDriverChainG2(steps.back(), lib("ScDataTransfer failed", 0x6581)));
     EXPECT_TRUE(stamped(sim::AidG1));
     EXPECT_FALSE(stamped(sim::AidG2));
 }
 
 // Certificates.
 
-TEST_F(DownloadG2Test, CertificatesOfTheOtherCurveHaveAByteMore)
+TEST_F(DownloadDriverG2Test, CertificatesOfTheOtherCurveHaveAByteMore)
 {
     const sim::CardDescription brainpool =
         cardWith([](sim::DriverParametersG2& parameters) { parameters.curve = sim::Curve::BrainpoolP256r1; });
     insert(brainpool);
     const Download result = download();
     EXPECT_THAT(chain(result.failure), IsEmpty());
-    EXPECT_EQ(bytes(result.image), expectedImageG2(brainpool));
+    EXPECT_EQ(bytes(result.image), expectedDriverImageG2(brainpool));
     EXPECT_EQ(result.image.size(), 67502 + 4);
-    CountsG2 counts;
+    DriverCountsG2 counts;
     counts.certificateLength = 205;
-    EXPECT_THAT(withoutStampTimes(commands()), ElementsAreArray(commandsOf(expectedStepsG2(counts))));
+    EXPECT_THAT(withoutStampTimes(commands()), ElementsAreArray(commandsOf(expectedDriverStepsG2(counts))));
 }
 
-TEST_F(DownloadG2Test, PaddingBehindACertificateIsNotTaken)
+TEST_F(DownloadDriverG2Test, PaddingBehindACertificateIsNotTaken)
 {
     insert(cardWith([](sim::DriverParametersG2& parameters) {
         parameters.certificateFiles = sim::CertificateFiles::Padded;
@@ -532,10 +527,10 @@ TEST_F(DownloadG2Test, PaddingBehindACertificateIsNotTaken)
     ASSERT_GT(card().file(sim::AidG2, 0xC101)->size(), 204u);
     const Download result = download();
     EXPECT_THAT(chain(result.failure), IsEmpty());
-    EXPECT_EQ(bytes(result.image), expectedImageG2(driverCardG2()));
+    EXPECT_EQ(bytes(result.image), expectedDriverImageG2(driverCardG2()));
 }
 
-TEST_F(DownloadG2Test, AFileWithoutCertificateGives204Bytes)
+TEST_F(DownloadDriverG2Test, AFileWithoutCertificateGives204Bytes)
 {
     const sim::CardDescription empty = cardWith([](sim::DriverParametersG2& parameters) {
         parameters.linkCertificate = sim::CertificateFiles::Empty;
@@ -544,10 +539,10 @@ TEST_F(DownloadG2Test, AFileWithoutCertificateGives204Bytes)
     ASSERT_EQ(*card().file(sim::AidG2, 0xC109), sim::Bytes(204, 0x00));
     const Download result = download();
     EXPECT_THAT(chain(result.failure), IsEmpty());
-    EXPECT_EQ(bytes(result.image), expectedImageG2(empty));
+    EXPECT_EQ(bytes(result.image), expectedDriverImageG2(empty));
 }
 
-TEST_F(DownloadG2Test, ACertificateFileThatIsMissingCountsNothingAndEndsTheReading)
+TEST_F(DownloadDriverG2Test, ACertificateFileThatIsMissingCountsNothingAndEndsTheReading)
 {
     insert(cardWith([](sim::DriverParametersG2& parameters) {
         parameters.linkCertificate = sim::CertificateFiles::Missing;
@@ -567,7 +562,7 @@ TEST_F(DownloadG2Test, ACertificateFileThatIsMissingCountsNothingAndEndsTheReadi
         << lines.front().toStdString();
 }
 
-TEST_F(DownloadG2Test, ACertificateFileOfLessThanItsHeaderIsReadWithLength0AndCannotBeSaved)
+TEST_F(DownloadDriverG2Test, ACertificateFileOfLessThanItsHeaderIsReadWithLength0AndCannotBeSaved)
 {
     sim::CardDescription shortFile = driverCardG2();
     for (sim::FileDescription& file : shortFile.applications.at(1).files)
@@ -587,7 +582,7 @@ TEST_F(DownloadG2Test, ACertificateFileOfLessThanItsHeaderIsReadWithLength0AndCa
         << lines.front().toStdString();
 }
 
-TEST_F(DownloadG2Test, ACertificateThatAnnouncesMoreThanItsFileEndsTheReading)
+TEST_F(DownloadDriverG2Test, ACertificateThatAnnouncesMoreThanItsFileEndsTheReading)
 {
     const struct
     {
@@ -613,7 +608,7 @@ TEST_F(DownloadG2Test, ACertificateThatAnnouncesMoreThanItsFileEndsTheReading)
     }
 }
 
-TEST_F(DownloadG2Test, ACardThatSignsWithALargerCurveRefusesTheSignatureLength)
+TEST_F(DownloadDriverG2Test, ACardThatSignsWithALargerCurveRefusesTheSignatureLength)
 {
     const struct
     {
@@ -643,7 +638,7 @@ TEST_F(DownloadG2Test, ACardThatSignsWithALargerCurveRefusesTheSignatureLength)
 
 // The file.
 
-TEST_F(DownloadG2Test, ATornRecordOfTheFirstApplicationIsAFailureWhateverFollows)
+TEST_F(DownloadDriverG2Test, ATornRecordOfTheFirstApplicationIsAFailureWhateverFollows)
 {
     scard::SCardGeneric identified(connect(), QDateTime::currentDateTimeUtc(), scard::RegionDDD);
     ASSERT_THAT(chain(identified.readCardInfo()), IsEmpty());
@@ -659,7 +654,7 @@ TEST_F(DownloadG2Test, ATornRecordOfTheFirstApplicationIsAFailureWhateverFollows
     EXPECT_TRUE(fileContent("/tmp/C_torn").mid(10000).startsWith(QByteArray::fromHex("0002020019")));
 }
 
-TEST_F(DownloadG2Test, AFullDiskEndsTheSaveAndNothingIsStamped)
+TEST_F(DownloadDriverG2Test, AFullDiskEndsTheSaveAndNothingIsStamped)
 {
     for (const rlim_t room : {rlim_t{10000}, rlim_t{40000}}) {
         SCOPED_TRACE(room);

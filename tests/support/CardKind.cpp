@@ -16,9 +16,9 @@ using Texts = std::vector<CardKind::FailureText>;
 
 constexpr unsigned int fewRecords = 2;
 
-Counts smallDriver()
+DriverCounts smallDriver()
 {
-    Counts counts;
+    DriverCounts counts;
     counts.events = 1;
     counts.faults = 1;
     counts.activityLength = 600;
@@ -27,9 +27,9 @@ Counts smallDriver()
     return counts;
 }
 
-CountsG2 smallDriverG2(bool version2)
+DriverCountsG2 smallDriverG2(bool version2)
 {
-    CountsG2 counts;
+    DriverCountsG2 counts;
     counts.events = 1;
     counts.faults = 1;
     counts.activityLength = 600;
@@ -47,8 +47,8 @@ CountsG2 smallDriverG2(bool version2)
 
 sim::DriverParametersG2 smallDriverParameters(bool version2)
 {
-    const Counts first = smallDriver();
-    const CountsG2 second = smallDriverG2(version2);
+    const DriverCounts first = smallDriver();
+    const DriverCountsG2 second = smallDriverG2(version2);
     sim::DriverParametersG2 parameters;
     parameters.version2 = version2;
     parameters.first.eventsPerType = static_cast<std::uint8_t>(first.events);
@@ -156,13 +156,13 @@ const Texts driverTexts = {
 /// Those of version 2.2 have a text for each EF that it added.
 CardKind driverOfSecondGeneration(const char* name, const Texts& texts)
 {
-    const CountsG2 counts = smallDriverG2(!texts.empty());
+    const DriverCountsG2 counts = smallDriverG2(!texts.empty());
     return {
         name,
         sim::makeDriverCardG2(smallDriverParameters(counts.version2)),
-        expectedStepsG2(counts, smallDriver()),
-        expectedChainG2,
-        expectedImageG2,
+        expectedDriverStepsG2(counts, smallDriver()),
+        expectedDriverChainG2,
+        expectedDriverImageG2,
         true,
         0x050E,
         identificationTexts + certificateTextsG2 + usageTexts + usageTextsG2 + driverTexts + texts};
@@ -219,9 +219,9 @@ CardKind driverKind()
     return {
         "driver",
         sim::makeDriverCardG1(smallDriverParameters(false).first),
-        expectedSteps(smallDriver()),
-        expectedChain,
-        [](const sim::CardDescription& card, unsigned int) { return expectedImage(card); },
+        expectedDriverSteps(smallDriver()),
+        expectedDriverChain,
+        [](const sim::CardDescription& card, unsigned int) { return expectedDriverImage(card); },
         false,
         0x050E,
         identificationTexts + certificateTexts + usageTexts + driverTexts};

@@ -1,26 +1,24 @@
 // A whole download of a first-generation driver card through one SCardReader::read().
-#include "Answers.h"
 #include "CardInReader.h"
 #include "DriverCardTranscript.h"
-#include "ExpectedDriver.h"
-#include "LoadedAgain.h"
 #include "VerifyImage.h"
 
 #include <scard/SCardDriverG1.h>
 #include <simulator/ControlCard.h>
+#include <support/Answers.h>
 #include <support/DebugStream.h>
+#include <support/ExpectedDriver.h>
+#include <support/LoadedAgain.h>
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cstring>
 #include <functional>
-#include <sys/stat.h>
 #include <sys/statvfs.h>
-#include <unistd.h>
 
 namespace {
 
@@ -30,7 +28,7 @@ using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
-using DownloadTest = CardInReader;
+using DownloadDriverTest = CardInReader;
 
 /// A driver card of another layout: 304 vehicles is more than any real card has.
 sim::CardDescription driverCardWith(const std::function<void(sim::DriverParameters&)>& change)
@@ -45,7 +43,15 @@ sim::Bytes contentOf(const sim::Card& card, unsigned short fid)
     return *card.file(sim::AidG1, fid);
 }
 
-TEST_F(DownloadTest, SendsExactlyTheseCommandsFromTheFirstSelectToTheStamp)
+void expectNothingSaved(const Download& result)
+{
+    EXPECT_THAT(
+        chain(result.failure),
+        ElementsAre(lib("saveToFile(): File not opened"), lib("Failed at saving card data to file")));
+    EXPECT_FALSE(result.card);
+}
+
+TEST_F(DownloadDriverTest, SendsExactlyTheseCommandsFromTheFirstSelectToTheStamp)
 {
     const qint64 before = QDateTime::currentSecsSinceEpoch();
     const Download result = download();
@@ -60,7 +66,7 @@ TEST_F(DownloadTest, SendsExactlyTheseCommandsFromTheFirstSelectToTheStamp)
     EXPECT_THAT(sent, ElementsAreArray(driverCardCommands));
 
     // The script by which the other tests name each command is the same.
-    EXPECT_THAT(commandsOf(expectedSteps()), ElementsAreArray(driverCardCommands));
+    EXPECT_THAT(commandsOf(expectedDriverSteps()), ElementsAreArray(driverCardCommands));
 
     const sim::Bytes time = sim::fromHex(stamp);
     ASSERT_EQ(time.size(), 4u);
@@ -69,66 +75,67 @@ TEST_F(DownloadTest, SendsExactlyTheseCommandsFromTheFirstSelectToTheStamp)
     EXPECT_EQ(contentOf(card(), 0x050E), time);
 }
 
-TEST_F(DownloadTest, NeedsNoMoreCommandsThanOrderAndChunkSizeAsk)
+TEST_F(DownloadDriverTest, NeedsNoMoreCommandsThanOrderAndChunkSizeAsk)
 {
     download();
     // Identification 8, total 3, reading 154, stamp 3.
     EXPECT_EQ(card().commandCount(), 168u);
 }
 
-TEST_F(DownloadTest, WritesTheImageByteForByte)
+TEST_F(DownloadDriverTest, WritesTheImageByteForByte)
 {
     const Download result = download();
-    EXPECT_EQ(bytes(result.image), expectedImage(driverCard()));
+    EXPECT_EQ(bytes(result.image), expectedDriverImage(driverCard()));
     EXPECT_EQ(result.image.size(), 26635);
 }
 
-TEST_F(DownloadTest, TheTwelveSignaturesVerifyUpToTheRoot)
+TEST_F(DownloadDriverTest, TheTwelveSignaturesVerifyUpToTheRoot)
 {
     EXPECT_EQ(verifiedSignatures(bytes(download().image)), 12u);
 }
 
-TEST_F(DownloadTest, ReportsThesePercentages)
+TEST_F(DownloadDriverTest, ReportsThesePercentages)
 {
     const unsigned total = 983 + 144 * 12 + 48 * 24 + 13776 + 31 * 200 + 10 * 112;
     ASSERT_EQ(total, 24959u);
     const Download result = download();
     EXPECT_THAT(result.progress, ElementsAreArray(driverCardProgress));
-    EXPECT_THAT(expectedProgress(expectedSteps(), total), ElementsAreArray(driverCardProgress));
+    EXPECT_THAT(expectedProgress(expectedDriverSteps(), total), ElementsAreArray(driverCardProgress));
     // EF_ICC and EF_IC are in the total and not in what is moved.
     EXPECT_EQ(result.progress.back(), 99);
     EXPECT_TRUE(DebugStream::contains("=== Progress: 143 dataToRead: 24959%:0"));
     EXPECT_TRUE(DebugStream::contains("=== Progress: 24926 dataToRead: 24959%:99"));
 }
 
-TEST_F(DownloadTest, TheTotalFor304VehiclesIs28183)
+TEST_F(DownloadDriverTest, TheTotalFor304VehiclesIs28183)
 {
     insert(driverCardWith([](sim::DriverParameters& parameters) { parameters.vehicles = 304; }));
-    Counts counts;
+    DriverCounts counts;
     counts.vehicles = 304;
     const Download result = download();
     EXPECT_THAT(chain(result.failure), IsEmpty());
-    EXPECT_THAT(result.progress, ElementsAreArray(expectedProgress(expectedSteps(counts), 28183)));
+    EXPECT_THAT(result.progress, ElementsAreArray(expectedProgress(expectedDriverSteps(counts), 28183)));
     EXPECT_TRUE(DebugStream::contains("=== Progress: 28150 dataToRead: 28183%:99"));
 }
 
-TEST_F(DownloadTest, ACardWithoutVehicleRecordsGivesOnlyTheirPointer)
+TEST_F(DownloadDriverTest, ACardWithoutVehicleRecordsGivesOnlyTheirPointer)
 {
     sim::Bytes identification = contentOf(card(), 0x0501);
     identification[7] = identification[8] = 0;
     card().setFile(sim::AidG1, 0x0501, identification);
     card().setFile(sim::AidG1, 0x0505, {0x00, 0x00});
-    Counts counts;
+    DriverCounts counts;
     counts.vehicles = 0;
 
     const Download result = download();
     EXPECT_THAT(chain(result.failure), IsEmpty());
-    EXPECT_THAT(withoutStampTimes(commands()), ElementsAreArray(commandsOf(expectedSteps(counts))));
-    EXPECT_THAT(result.progress, ElementsAreArray(expectedProgress(expectedSteps(counts), 24959 - 6200)));
+    EXPECT_THAT(withoutStampTimes(commands()), ElementsAreArray(commandsOf(expectedDriverSteps(counts))));
+    EXPECT_THAT(
+        result.progress, ElementsAreArray(expectedProgress(expectedDriverSteps(counts), 24959 - 6200)));
     EXPECT_TRUE(result.image.contains(QByteArray::fromHex("05050000020000050501")));
 }
 
-TEST_F(DownloadTest, SignalsComeInTheOrderOfTheRoad)
+TEST_F(DownloadDriverTest, SignalsComeInTheOrderOfTheRoad)
 {
     const Download result = download();
     EXPECT_THAT(result.types, ElementsAre(scard::SCardMeta::DriverCard));
@@ -141,7 +148,7 @@ TEST_F(DownloadTest, SignalsComeInTheOrderOfTheRoad)
     EXPECT_EQ(result.removed, 0);
 }
 
-TEST_F(DownloadTest, TypeIsKnownBeforeAnyDatasetIsRead)
+TEST_F(DownloadDriverTest, TypeIsKnownBeforeAnyDatasetIsRead)
 {
     SCardReader reader;
     std::size_t commandsUntilType = 0;
@@ -154,7 +161,7 @@ TEST_F(DownloadTest, TypeIsKnownBeforeAnyDatasetIsRead)
     EXPECT_EQ(commandsUntilType, 8u);
 }
 
-TEST_F(DownloadTest, HolderAndLanguageAreThoseOfTheCard)
+TEST_F(DownloadDriverTest, HolderAndLanguageAreThoseOfTheCard)
 {
     insert(driverCardWith([](sim::DriverParameters& parameters) {
         parameters.codePage = 2;
@@ -170,7 +177,7 @@ TEST_F(DownloadTest, HolderAndLanguageAreThoseOfTheCard)
     EXPECT_EQ(result.image.size(), 26635);
 }
 
-TEST_F(DownloadTest, EachRegionNamesTheFileByItsConvention)
+TEST_F(DownloadDriverTest, EachRegionNamesTheFileByItsConvention)
 {
     insert(driverCardWith([](sim::DriverParameters& parameters) {
         parameters.surname = "Mustermann";
@@ -180,7 +187,7 @@ TEST_F(DownloadTest, EachRegionNamesTheFileByItsConvention)
     expectFileOfEachRegion(26635);
 }
 
-TEST_F(DownloadTest, TheFileNameHoldsTheTimeInUtc)
+TEST_F(DownloadDriverTest, TheFileNameHoldsTheTimeInUtc)
 {
     const QDateTime before = QDateTime::currentDateTimeUtc();
     const Download result = download();
@@ -192,7 +199,7 @@ TEST_F(DownloadTest, TheFileNameHoldsTheTimeInUtc)
     EXPECT_EQ(result.card->getDownloadTimestamp().timeSpec(), Qt::UTC);
 }
 
-TEST_F(DownloadTest, TheCardObjectKeepsTheLastDownloadAsItWasRead)
+TEST_F(DownloadDriverTest, TheCardObjectKeepsTheLastDownloadAsItWasRead)
 {
     const std::uint32_t lastDownload = 1700000000;
     insert(
@@ -205,7 +212,7 @@ TEST_F(DownloadTest, TheCardObjectKeepsTheLastDownloadAsItWasRead)
     EXPECT_NE(sim::readU32(contentOf(card(), 0x050E), 0), lastDownload);
 }
 
-TEST_F(DownloadTest, AnImageLoadedAgainAnswersAsTheCardDid)
+TEST_F(DownloadDriverTest, AnImageLoadedAgainAnswersAsTheCardDid)
 {
     const Download result = download();
     auto fromCard = std::dynamic_pointer_cast<scard::SCardDriverG1>(result.card);
@@ -222,7 +229,7 @@ TEST_F(DownloadTest, AnImageLoadedAgainAnswersAsTheCardDid)
     EXPECT_THAT(chain(fromImage->postDownloadTasks()), IsEmpty());
 }
 
-TEST_F(DownloadTest, ReadBeforeOpenSaysSoAndSendsNothing)
+TEST_F(DownloadDriverTest, ReadBeforeOpenSaysSoAndSendsNothing)
 {
     SCardReader reader;
     int signalsSeen = 0;
@@ -234,7 +241,7 @@ TEST_F(DownloadTest, ReadBeforeOpenSaysSoAndSendsNothing)
     EXPECT_EQ(card().commandCount(), 0u);
 }
 
-TEST_F(DownloadTest, ReadAfterCloseFailsInsideTheCardCommands)
+TEST_F(DownloadDriverTest, ReadAfterCloseFailsInsideTheCardCommands)
 {
     SCardReader reader;
     reader.init();
@@ -247,7 +254,7 @@ TEST_F(DownloadTest, ReadAfterCloseFailsInsideTheCardCommands)
     reader.uninit();
 }
 
-TEST_F(DownloadTest, ACardWithoutTachographApplicationIsRefused)
+TEST_F(DownloadDriverTest, ACardWithoutTachographApplicationIsRefused)
 {
     sim::CardDescription other = driverCard();
     other.applications.clear();
@@ -262,7 +269,7 @@ TEST_F(DownloadTest, ACardWithoutTachographApplicationIsRefused)
     EXPECT_THAT(result.types, IsEmpty());
 }
 
-TEST_F(DownloadTest, TypeBytesThatNoCardHasAreRefused)
+TEST_F(DownloadDriverTest, TypeBytesThatNoCardHasAreRefused)
 {
     for (const int type : {0, 5, 6, 7, 8, 255}) {
         SCOPED_TRACE(type);
@@ -277,7 +284,7 @@ TEST_F(DownloadTest, TypeBytesThatNoCardHasAreRefused)
     }
 }
 
-TEST_F(DownloadTest, AControlCardGivesAnEmptyFileAndTheGenericObject)
+TEST_F(DownloadDriverTest, AControlCardGivesAnEmptyFileAndTheGenericObject)
 {
     sim::ControlParametersG2 version2;
     version2.version2 = true;
@@ -299,7 +306,7 @@ TEST_F(DownloadTest, AControlCardGivesAnEmptyFileAndTheGenericObject)
     }
 }
 
-TEST_F(DownloadTest, ASecondDownloadWithoutResetGoesOnWithoutTheChipsFiles)
+TEST_F(DownloadDriverTest, ASecondDownloadWithoutResetGoesOnWithoutTheChipsFiles)
 {
     ASSERT_THAT(chain(download().failure), IsEmpty());
     const sim::Bytes firstStamp = contentOf(card(), 0x050E);
@@ -313,10 +320,10 @@ TEST_F(DownloadTest, ASecondDownloadWithoutResetGoesOnWithoutTheChipsFiles)
         if (file.fid == 0x050E)
             file.content = firstStamp; // of the first download
     }
-    EXPECT_EQ(bytes(second.image), expectedImage(withoutChipFiles));
+    EXPECT_EQ(bytes(second.image), expectedDriverImage(withoutChipFiles));
 }
 
-TEST_F(DownloadTest, OneReaderObjectDownloadsCardAfterCard)
+TEST_F(DownloadDriverTest, OneReaderObjectDownloadsCardAfterCard)
 {
     Host host;
     const Download first = host.download();
@@ -335,7 +342,7 @@ TEST_F(DownloadTest, OneReaderObjectDownloadsCardAfterCard)
     EXPECT_NE(first.card->getFilename(), second.card->getFilename());
 }
 
-TEST_F(DownloadTest, AShorterSignatureIsKeptAsTheCardGaveIt)
+TEST_F(DownloadDriverTest, AShorterSignatureIsKeptAsTheCardGaveIt)
 {
     const struct
     {
@@ -353,17 +360,17 @@ TEST_F(DownloadTest, AShorterSignatureIsKeptAsTheCardGaveIt)
     }
 }
 
-TEST_F(DownloadTest, SuccessIsAlso90E4)
+TEST_F(DownloadDriverTest, SuccessIsAlso90E4)
 {
     sim::Switches switches = card().switches();
     switches.successWord = 0x90E4;
     card().setSwitches(switches);
     const Download result = download();
     EXPECT_THAT(chain(result.failure), IsEmpty());
-    EXPECT_EQ(bytes(result.image), expectedImage(driverCard()));
+    EXPECT_EQ(bytes(result.image), expectedDriverImage(driverCard()));
 }
 
-TEST_F(DownloadTest, DataWithAWarningIsAnError)
+TEST_F(DownloadDriverTest, DataWithAWarningIsAnError)
 {
     sim::Switches switches = card().switches();
     switches.integrityErrors = {0x0504};
@@ -377,111 +384,28 @@ TEST_F(DownloadTest, DataWithAWarningIsAnError)
     EXPECT_TRUE(DebugStream::contains("ScDataTransfer: Status: 6281"));
 }
 
-// What stands at the file's place under "/tmp/" before the download.
+// The file.
 
-class OutputFileTest : public CardInReader
+TEST_F(DownloadDriverTest, AHolderWithAPathSeparatorWritesNothingAnywhere)
 {
-  protected:
-    OutputFileTest()
-    {
-        description = driverCardWith([](sim::DriverParameters& parameters) {
-            parameters.surname = "Mustermann";
-            parameters.firstNames = "Jana";
-            parameters.driverIdentification = "DF000000123456";
-        });
-        insert(description);
-    }
-
-    ~OutputFileTest() override
-    {
-        const QDir tmp("/tmp");
-        for (const QFileInfo& left : tmp.entryInfoList({"C_*"}, QDir::AllEntries | QDir::System)) {
-            if (left.isDir() && !left.isSymLink())
-                QDir().rmdir(left.filePath());
-            else
-                QFile::remove(left.filePath());
-        }
-    }
-
-    /// The names that a download that starts now may get: this minute's and the next one's.
-    static QStringList coming()
-    {
-        QStringList names;
-        const QDateTime now = QDateTime::currentDateTimeUtc();
-        for (const int seconds : {0, 60})
-            names.append(
-                now.addSecs(seconds).toString("'/tmp/C_'yyyyMMdd_hhmm'_J_Mustermann_DF000000123456.DDD'"));
-        return names;
-    }
-
-    void expectNothingSavedAndNothingStamped(const Download& result)
-    {
-        EXPECT_THAT(
-            chain(result.failure),
-            ElementsAre(lib("saveToFile(): File not opened"), lib("Failed at saving card data to file")));
-        EXPECT_FALSE(result.card);
-        EXPECT_EQ(contentOf(card(), 0x050E), unstamped());
-    }
-
-    sim::Bytes unstamped() const
-    {
-        for (const sim::FileDescription& file : description.applications.front().files)
-            if (file.fid == 0x050E)
-                return file.content;
-        return {};
-    }
-
-    sim::CardDescription description;
-};
-
-TEST_F(OutputFileTest, AnOlderFileIsReplaced)
-{
-    for (const QString& name : coming()) {
-        QFile file(name);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(QByteArray(40000, 'x'));
-    }
-    EXPECT_EQ(bytes(download().image), expectedImage(description));
+    insert(
+        driverCardWith([](sim::DriverParameters& parameters) { parameters.surname = "../../etc/shadow"; }));
+    const sim::Bytes unstamped = contentOf(card(), 0x050E);
+    expectNothingSaved(download());
+    EXPECT_EQ(contentOf(card(), 0x050E), unstamped);
 }
 
-TEST_F(OutputFileTest, ASymbolicLinkIsNotFollowed)
+TEST_F(DownloadDriverTest, AnUnknownRegionHasNoFileName)
 {
-    const QString target = QStringLiteral("/tmp/elsewhere");
-    for (const QString& name : coming())
-        ASSERT_TRUE(QFile::link(target, name));
-    expectNothingSavedAndNothingStamped(download());
-    EXPECT_FALSE(QFileInfo::exists(target));
+    const sim::Bytes unstamped = contentOf(card(), 0x050E);
+    expectNothingSaved(download(static_cast<scard::FilenameRegion>(3)));
+    EXPECT_EQ(contentOf(card(), 0x050E), unstamped);
 }
 
-TEST_F(OutputFileTest, ADirectoryOfThatNameEndsTheDownload)
+TEST_F(DownloadDriverTest, AnEmptyHolderStillGetsAFile)
 {
-    for (const QString& name : coming())
-        ASSERT_TRUE(QDir().mkpath(name));
-    expectNothingSavedAndNothingStamped(download());
-}
-
-TEST_F(OutputFileTest, APipeThatNobodyReadsDoesNotHoldTheDownload)
-{
-    for (const QString& name : coming())
-        ASSERT_EQ(::mkfifo(QFile::encodeName(name).constData(), 0600), 0);
-    expectNothingSavedAndNothingStamped(download());
-}
-
-TEST_F(OutputFileTest, AHolderWithAPathSeparatorWritesNothingAnywhere)
-{
-    insert(description = driverCardWith([](sim::DriverParameters& parameters) {
-               parameters.surname = "../../etc/shadow";
-           }));
-    expectNothingSavedAndNothingStamped(download());
-}
-
-TEST_F(OutputFileTest, AnUnknownRegionHasNoFileName)
-{
-    expectNothingSavedAndNothingStamped(download(static_cast<scard::FilenameRegion>(3)));
-}
-
-TEST_F(OutputFileTest, AnEmptyHolderStillGetsAFile)
-{
+    insert(driverCardWith(
+        [](sim::DriverParameters& parameters) { parameters.driverIdentification = "DF000000123456"; }));
     sim::Bytes identification = contentOf(card(), 0x0520);
     std::fill_n(identification.begin() + 65, 72, std::uint8_t{0});
     card().setFile(sim::AidG1, 0x0520, identification);
@@ -489,19 +413,6 @@ TEST_F(OutputFileTest, AnEmptyHolderStillGetsAFile)
     EXPECT_THAT(chain(result.failure), IsEmpty());
     EXPECT_TRUE(result.path.endsWith("___DF000000123456.DDD")) << result.path.toStdString();
     EXPECT_THAT(result.holders, ElementsAre(", "));
-}
-
-TEST_F(OutputFileTest, AFileWithASecondNameElsewhereIsNotTouched)
-{
-    QFile elsewhere("/tmp/elsewhere");
-    ASSERT_TRUE(elsewhere.open(QIODevice::WriteOnly));
-    elsewhere.write("somebody needs this");
-    elsewhere.close();
-    for (const QString& name : coming())
-        ASSERT_EQ(::link("/tmp/elsewhere", QFile::encodeName(name).constData()), 0);
-    expectNothingSavedAndNothingStamped(download());
-    EXPECT_EQ(fileContent("/tmp/elsewhere"), "somebody needs this");
-    QFile::remove("/tmp/elsewhere");
 }
 
 /// Leaves so much of "/tmp/" free; in the program's own "/tmp/" only.
@@ -532,7 +443,7 @@ class FullDisk
     QFile m_filler;
 };
 
-TEST_F(OutputFileTest, AFullDiskIsToldTheCardIsNotStampedAndTheFileStaysAsFarAsItGot)
+TEST_F(DownloadDriverTest, AFullDiskIsToldTheCardIsNotStampedAndTheFileStaysAsFarAsItGot)
 {
     const struct
     {
@@ -547,7 +458,8 @@ TEST_F(OutputFileTest, AFullDiskIsToldTheCardIsNotStampedAndTheFileStaysAsFarAsI
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.where);
-        insert(description);
+        insert(driverCard());
+        const sim::Bytes unstamped = contentOf(card(), 0x050E);
         {
             const FullDisk disk(row.bytesLeft);
             const Download result = download();
@@ -556,19 +468,19 @@ TEST_F(OutputFileTest, AFullDiskIsToldTheCardIsNotStampedAndTheFileStaysAsFarAsI
                 ElementsAre(
                     lib("saveToFile() Failed"), lib(row.failure), lib("Failed at saving card data to file")));
             EXPECT_FALSE(result.card);
-            EXPECT_EQ(contentOf(card(), 0x050E), unstamped());
+            EXPECT_EQ(contentOf(card(), 0x050E), unstamped);
         }
-        const QFileInfoList left = QDir("/tmp").entryInfoList({"C_*"}, QDir::Files);
+        const QStringList left = downloads();
         ASSERT_EQ(left.size(), 1);
-        const sim::Bytes partial = bytes(fileContent(left.front().filePath()));
+        const sim::Bytes partial = bytes(fileContent(left.front()));
         EXPECT_EQ(partial.size(), static_cast<std::size_t>(row.bytesLeft));
-        const sim::Bytes whole = expectedImage(description);
+        const sim::Bytes whole = expectedDriverImage(driverCard());
         EXPECT_TRUE(std::equal(partial.begin(), partial.end(), whole.begin()));
-        QFile::remove(left.front().filePath());
+        removeDownloads();
 
         card().reset();
         EXPECT_EQ(bytes(download().image), whole);
-        QFile::remove(QDir("/tmp").entryInfoList({"C_*"}, QDir::Files).front().filePath());
+        removeDownloads();
     }
 }
 

@@ -12,7 +12,7 @@ const sim::CardDescription& driverCardG2();
 const sim::CardDescription& driverCardV2(); ///< second generation, version 2.2
 
 /// The record counts that decide how long a download is.
-struct Counts
+struct DriverCounts
 {
     unsigned int events = 12;
     unsigned int faults = 24;
@@ -22,7 +22,7 @@ struct Counts
 };
 
 /// The same for a second-generation application.
-struct CountsG2
+struct DriverCountsG2
 {
     unsigned int events = 12;
     unsigned int faults = 24;
@@ -40,20 +40,20 @@ struct CountsG2
     unsigned int loadTypeEntries = 336;
 };
 
-std::vector<Step> expectedSteps(const Counts& counts = {});
+std::vector<Step> expectedDriverSteps(const DriverCounts& counts = {});
 
 /// Of a second-generation card, which holds a first-generation application beside its own.
-std::vector<Step> expectedStepsG2(const CountsG2& counts, const Counts& first = {});
+std::vector<Step> expectedDriverStepsG2(const DriverCountsG2& counts, const DriverCounts& first = {});
 
 /// The whole error of a download that ends at @p step because of @p cause.
-Chain expectedChain(const Step& step, const Entry& cause);
-Chain expectedChainG2(const Step& step, const Entry& cause);
+Chain expectedDriverChain(const Step& step, const Entry& cause);
+Chain expectedDriverChainG2(const Step& step, const Entry& cause);
 
 /// The image of @p card, its records in order, the signatures made with the card's keys.
-sim::Bytes expectedImage(const sim::CardDescription& card);
+sim::Bytes expectedDriverImage(const sim::CardDescription& card);
 
 /// The same of a second-generation card whose first application could be read up to the EF @p firstNotRead;
 /// 0 for the whole. EFs that are read later than that one are missing, too.
-sim::Bytes expectedImageG2(const sim::CardDescription& card, unsigned int firstNotRead = 0);
+sim::Bytes expectedDriverImageG2(const sim::CardDescription& card, unsigned int firstNotRead = 0);
 
 } // namespace test

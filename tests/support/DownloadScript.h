@@ -1,7 +1,8 @@
 #pragma once
 
+#include "ErrorChain.h"
+
 #include <simulator/Card.h>
-#include <support/ErrorChain.h>
 
 #include <QByteArray>
 

@@ -1,10 +1,11 @@
 // What can go wrong at each command and at each PC/SC call of a download, for every kind of card: it ends,
 // says exactly what failed, tells the card nothing, and the next download works.
-#include "CardInReader.h"
-#include "CardKind.h"
 #include "RememberingSigner.h"
 
+#include <pcsc/CardInReader.h>
+#include <support/CardKind.h>
 #include <support/DebugStream.h>
+#include <support/FileRecords.h>
 
 #include <QDir>
 
@@ -13,6 +14,7 @@
 #include <algorithm>
 #include <functional>
 #include <iostream>
+#include <iterator>
 #include <map>
 #include <set>
 
@@ -28,22 +30,13 @@ bool isSecondGenerationsNameInIdentification(const Step& step)
     return step.phase == Phase::Identification && step.name == "SMRDT";
 }
 
-/// Offset of the record of @p fid and @p type.
-std::size_t recordOf(const sim::Bytes& image, unsigned int fid, unsigned int type)
-{
-    std::size_t at = 0;
-    while (sim::readU16(image, at) != fid || image[at + 2] != type)
-        at += 5 + sim::readU16(image, at + 3);
-    return at;
-}
-
 /// What stands before the second application's first record, its EF_ICC.
 sim::Bytes firstApplicationOf(const sim::Bytes& image)
 {
-    std::size_t end = 5 + sim::readU16(image, 3);
-    while (end < image.size() && sim::readU16(image, end) != 0x0002)
-        end += 5 + sim::readU16(image, end + 3);
-    return {image.begin(), image.begin() + static_cast<std::ptrdiff_t>(end)};
+    const auto records = recordsOf(image);
+    const auto second = std::find_if(
+        std::next(records.begin()), records.end(), [](const auto& record) { return record.fid == 0x0002; });
+    return sim::slice(image, 0, second == records.end() ? image.size() : second->offset);
 }
 
 /// Every code that PC/SC Lite documents for a function, beside success.
@@ -104,15 +97,6 @@ std::size_t& faultsTried = faults->count;
 class DownloadFaultsOfEachKind : public CardInReader, public testing::WithParamInterface<CardKind>
 {
   protected:
-    ~DownloadFaultsOfEachKind() override { removeFiles(); }
-
-    static void removeFiles()
-    {
-        QDir tmp("/tmp");
-        for (const QString& name : tmp.entryList({"C_*", "CARD_*"}, QDir::Files))
-            tmp.remove(name);
-    }
-
     /// Signatures are the card's own, so a whole image is worked out once for each point it can stop at.
     const sim::Bytes& imageTo(unsigned int firstNotRead)
     {
@@ -158,9 +142,9 @@ class DownloadFaultsOfEachKind : public CardInReader, public testing::WithParamI
         setFault();
         DebugStream::clear();
         Download result = host.download();
-        const QStringList names = QDir("/tmp").entryList({"C_*"}, QDir::Files);
-        fileLeft = names.size() == 1 ? bytes(fileContent("/tmp/" + names.front())) : sim::Bytes();
-        removeFiles();
+        const QStringList files = downloads();
+        fileLeft = files.size() == 1 ? bytes(fileContent(files.front())) : sim::Bytes();
+        removeDownloads();
         return result;
     }
 
@@ -208,12 +192,9 @@ class DownloadFaultsOfEachKind : public CardInReader, public testing::WithParamI
     /// The image of a card whose chip's file @p fid could not be read.
     static sim::Bytes withZeros(sim::Bytes image, unsigned int fid)
     {
-        for (std::size_t position = 0; position < image.size();) {
-            const auto payload = image.begin() + static_cast<std::ptrdiff_t>(position) + 5;
-            const unsigned int length = sim::readU16(image, position + 3);
-            if (sim::readU16(image, position) == fid)
-                std::fill(payload, payload + static_cast<std::ptrdiff_t>(length), std::uint8_t{0});
-            position += 5 + length;
+        for (const auto& record : recordsOf(image)) {
+            if (record.fid == fid)
+                std::fill_n(&image[record.begin()], record.length, std::uint8_t{0});
         }
         return image;
     }
@@ -313,16 +294,16 @@ class DownloadFaultsOfEachKind : public CardInReader, public testing::WithParamI
         const sim::Bytes& good = imageTo(0);
         const sim::Bytes image = bytes(result.image);
         ASSERT_EQ(static_cast<int>(image.size()), static_cast<int>(good.size()) + change);
-        const std::size_t signature = recordOf(good, step.fid, step.generation == 1 ? 0x01 : 0x03);
-        const std::size_t behind = signature + 5 + sim::readU16(good, signature + 3);
+        const auto signature = recordOf(good, step.fid, step.generation == 1 ? 0x01 : 0x03);
+        const std::size_t lengthField = signature.offset + 3;
         const auto atOf = [](const sim::Bytes& bytes, std::size_t at) {
             return bytes.begin() + static_cast<std::ptrdiff_t>(at);
         };
-        EXPECT_TRUE(std::equal(good.begin(), atOf(good, signature + 3), image.begin()));
+        EXPECT_TRUE(std::equal(good.begin(), atOf(good, lengthField), image.begin()));
         EXPECT_EQ(
-            static_cast<int>(sim::readU16(image, signature + 3)),
-            static_cast<int>(sim::readU16(good, signature + 3)) + change);
-        EXPECT_TRUE(std::equal(atOf(good, behind), good.end(), atOf(image, behind) + change));
+            static_cast<int>(sim::readU16(image, lengthField)), static_cast<int>(signature.length) + change);
+        EXPECT_TRUE(
+            std::equal(atOf(good, signature.end()), good.end(), atOf(image, signature.end()) + change));
     }
 
     void expectOutcomeOfCutAnswer(const Download& result, std::size_t index, unsigned int length)
@@ -546,7 +527,7 @@ TEST_P(DownloadFaultsOfEachKind, AFailedStartNamesThePcscCallAndCanBeTriedAgain)
             EXPECT_EQ(pcsc().connectedCards(), 0u); // a connection without status is closed by close()
             EXPECT_THAT(chain(freshHost.download().failure), IsEmpty());
             expectWritten(true, true);
-            removeFiles();
+            removeDownloads();
         }
     }
 }
@@ -572,7 +553,7 @@ TEST_P(DownloadFaultsOfEachKind, AFailureBesideTheDownloadDoesNotTouchIt)
         pcsc().failCall(Function::FreeMemory, 0, code);
         Host freshHost;
         expectWholeDownload(freshHost.download());
-        removeFiles();
+        removeDownloads();
         pcsc().forgetLists(); // what PC/SC does not take back stays
     }
     scard::SCardReader reader;

@@ -1,4 +1,4 @@
-#include "HostProgram.h"
+#include "RunningProgram.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <support/ProgramRun.h>
+#include "ProgramRun.h"
 
 #include <QByteArray>
 #include <QMap>

@@ -13,7 +13,7 @@ void totalOfFirst(Script& script)
     script.readEf(0x0501, 10);
 }
 
-void readFirst(Script& script, const Counts& counts)
+void readFirst(Script& script, const DriverCounts& counts)
 {
     script.in(Phase::Reading, 1);
     script.selectName("TACHO");
@@ -79,7 +79,7 @@ const sim::CardDescription& driverCardV2()
     return description;
 }
 
-std::vector<Step> expectedSteps(const Counts& counts)
+std::vector<Step> expectedDriverSteps(const DriverCounts& counts)
 {
     Script script;
     script.identify(1);
@@ -90,7 +90,7 @@ std::vector<Step> expectedSteps(const Counts& counts)
     return script.take();
 }
 
-std::vector<Step> expectedStepsG2(const CountsG2& counts, const Counts& first)
+std::vector<Step> expectedDriverStepsG2(const DriverCountsG2& counts, const DriverCounts& first)
 {
     Script script;
     script.identify(2);
@@ -139,7 +139,7 @@ std::vector<Step> expectedStepsG2(const CountsG2& counts, const Counts& first)
     return script.take();
 }
 
-Chain expectedChain(const Step& step, const Entry& cause)
+Chain expectedDriverChain(const Step& step, const Entry& cause)
 {
     Chain chain = chainOfReader(step, cause);
     if (step.phase == Phase::Total)
@@ -148,7 +148,7 @@ Chain expectedChain(const Step& step, const Entry& cause)
     return chainOfDownload(step, cause, std::move(chain));
 }
 
-Chain expectedChainG2(const Step& step, const Entry& cause)
+Chain expectedDriverChainG2(const Step& step, const Entry& cause)
 {
     Chain chain = chainOfReader(step, cause);
     if (step.phase == Phase::Total) {
@@ -165,20 +165,20 @@ Chain expectedChainG2(const Step& step, const Entry& cause)
     return chainOfDownload(step, cause, std::move(chain));
 }
 
-sim::Bytes expectedImage(const sim::CardDescription& card)
+sim::Bytes expectedDriverImage(const sim::CardDescription& card)
 {
     return firstImage(card, 0);
 }
 
-sim::Bytes expectedImageG2(const sim::CardDescription& card, unsigned int firstNotRead)
+sim::Bytes expectedDriverImageG2(const sim::CardDescription& card, unsigned int firstNotRead)
 {
     const sim::ApplicationDescription& second = card.applications.at(1);
     ImageWriter image(2);
     image.bytes = firstImage(card, firstNotRead);
     image.chip(card);
     for (const unsigned int fid :
-         {0x0501u, 0xC100u, 0xC101u, 0xC108u, 0xC109u, 0x0520u, 0x050Eu, 0x0521u, 0x0502u, 0x0503u, 0x0504u, 0x0505u,
-          0x0506u, 0x0507u, 0x0508u, 0x0522u, 0x0523u, 0x0524u})
+         {0x0501u, 0xC100u, 0xC101u, 0xC108u, 0xC109u, 0x0520u, 0x050Eu, 0x0521u, 0x0502u, 0x0503u, 0x0504u,
+          0x0505u, 0x0506u, 0x0507u, 0x0508u, 0x0522u, 0x0523u, 0x0524u})
         image.ef(second, fid);
     if (hasFile(second, 0x0525))
         for (const unsigned int fid : {0x0525u, 0x0526u, 0x0527u, 0x0528u, 0x0529u, 0x0530u})
