@@ -1,16 +1,19 @@
 #!/bin/sh
 # Installs what building, testing and the demo need, by Debian package name; as root, or through sudo.
-# install-packages.sh clang arm adds what the sanitizers and what 32-bit ARM under emulation need.
+# What is named behind it adds what the sanitizers (clang), 32-bit ARM under emulation (arm), the look at the sources
+# (style), packages and the example host (packages), coverage (coverage), and a Debian root of one's own (root) need.
 set -eu
 packages="
     build-essential
     cmake
+    doxygen
     iproute2
     libbenchmark-dev
     libgmock-dev
     libgtest-dev
     libpcsclite-dev
     libssl-dev
+    ninja-build
     pcscd
     pkg-config
     python3-jsonschema
@@ -22,6 +25,10 @@ for more in "$@"; do
     case $more in
     clang) packages="$packages clang libclang-rt-14-dev llvm" ;; # llvm names the functions that leak
     arm) packages="$packages g++-arm-linux-gnueabihf gpg mmdebstrap qemu-user" ;;
+    style) packages="$packages clang-format clang-tidy" ;;
+    packages) packages="$packages dpkg-dev file lintian xauth xvfb" ;;
+    coverage) packages="$packages gcovr" ;;
+    root) packages="$packages gpg mmdebstrap" ;;
     *)
         echo "install-packages.sh: what is $more?" >&2
         exit 2
