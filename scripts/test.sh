@@ -1,9 +1,11 @@
 #!/bin/sh
-# Installs what is needed, builds, and runs all tests: Release; again with address,
+# Installs what is needed, looks at the sources' style, builds, and runs all tests: Release; again with address,
 # undefined-behaviour and integer-conversion sanitizers; and a host with a worker thread with the thread sanitizer.
 set -eu
 cd "$(dirname "$0")/.."
-scripts/install-packages.sh clang
+scripts/install-packages.sh clang style
+
+scripts/check-style.sh
 
 # Tests at a reader mostly wait for it: they run beside what comes behind them.
 running=
