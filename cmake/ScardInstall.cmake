@@ -1,5 +1,5 @@
-# What `cmake --install` gives, in three parts that packages follow: `runtime` (the libraries), `development` (headers and
-# what finds them) and `tools` (the program). All of it can be moved as a whole.
+# What `cmake --install` gives, in parts that packages follow: `runtime` (the libraries), `development` (headers and what
+# finds them) and `tools` (the program); and `license`, for Debian has a file of its own. All of it can be moved as a whole.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
