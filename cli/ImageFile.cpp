@@ -45,22 +45,21 @@ QString ImageFile::sha256() const
     return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
 }
 
+QString fidText(unsigned short fid)
+{
+    return QString::number(fid, 16).toUpper().rightJustified(4, QLatin1Char('0'));
+}
+
 ImageFile imageFileOf(const QByteArray& bytes)
 {
     ImageFile file;
     file.bytes = bytes;
-    const qint64 headerLength = scard::recordHeaderLength;
     const auto* data = reinterpret_cast<const unsigned char*>(bytes.constData());
-    qint64 position = 0;
-    while (bytes.size() - position >= headerLength) {
-        ImageRecord record;
-        record.offset = position;
-        record.header = scard::recordHeaderAt(data + position);
-        position += headerLength;
-        record.available = std::min<qint64>(record.header.length, bytes.size() - position);
-        position += record.available;
-        file.records.push_back(record);
-    }
-    file.trailing = bytes.size() - position;
+    const auto size = static_cast<std::size_t>(bytes.size());
+    const std::size_t end = scard::visitRecords(data, size, [&file](const scard::RecordPlace& place) {
+        file.records.push_back(
+            {static_cast<qint64>(place.offset), place.header, static_cast<qint64>(place.available)});
+    });
+    file.trailing = static_cast<qint64>(size - end);
     return file;
 }

@@ -27,6 +27,9 @@ struct ImageRecord
     QString efName() const;
 };
 
+/// The number of an EF as people write it: "050E".
+QString fidText(unsigned short fid);
+
 struct ImageFile
 {
     QByteArray bytes;

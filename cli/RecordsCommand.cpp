@@ -8,16 +8,13 @@
 
 namespace {
 
-QString paddedHexadecimal(unsigned int number, int digits)
-{
-    return QString::number(number, 16).toUpper().rightJustified(digits, QLatin1Char('0'));
-}
-
 QString typeText(const ImageRecord& record)
 {
     if (!record.hasKnownType())
-        return QStringLiteral("unknown type %1")
-            .arg(paddedHexadecimal(static_cast<unsigned int>(record.header.type), 2));
+        return QStringLiteral("unknown type ") +
+               QString::number(static_cast<unsigned int>(record.header.type), 16)
+                   .toUpper()
+                   .rightJustified(2, QLatin1Char('0'));
     return QStringLiteral("%1, generation %2")
         .arg(record.isSignature() ? QStringLiteral("signature") : QStringLiteral("data"))
         .arg(record.isSecondGeneration() ? 2 : 1);
@@ -28,9 +25,8 @@ void print(const ImageFile& file)
     out() << "  offset  FID   EF                                 record                   bytes\n";
     for (const ImageRecord& record : file.records) {
         const QString name = record.efName().isEmpty() ? QStringLiteral("unknown EF") : record.efName();
-        out() << QString::number(record.offset).rightJustified(8) << "  "
-              << paddedHexadecimal(record.header.fid, 4) << "  " << name.leftJustified(33) << "  "
-              << typeText(record).leftJustified(23) << "  "
+        out() << QString::number(record.offset).rightJustified(8) << "  " << fidText(record.header.fid)
+              << "  " << name.leftJustified(33) << "  " << typeText(record).leftJustified(23) << "  "
               << QString::number(record.header.length).rightJustified(5);
         if (record.isWhole())
             out() << "  whole\n";

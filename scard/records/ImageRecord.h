@@ -39,4 +39,37 @@ constexpr RecordHeader recordHeaderAt(const unsigned char* bytes)
         static_cast<std::uint16_t>(fromBigEndian(bytes + 3, 2))};
 }
 
+/// Where a record lies in an image.
+struct RecordPlace
+{
+    std::size_t offset;    ///< of the header, bytes from the start of the image
+    RecordHeader header;   ///< says how long the payload should be
+    std::size_t available; ///< bytes of payload that are there: fewer when the image ends inside it
+
+    /// Of the payload.
+    constexpr std::size_t begin() const { return offset + recordHeaderLength; }
+
+    /// True when all of the payload is there.
+    constexpr bool isWhole() const { return available == header.length; }
+};
+
+/// Calls @p visit with the RecordPlace of each record of an image, in order. The last may be cut.
+/// @param bytes the image
+/// @param size  its bytes
+/// @param visit what is called
+/// @return where the records end: what stands behind is too short for a header
+template <typename Visit>
+std::size_t visitRecords(const unsigned char* bytes, std::size_t size, Visit visit)
+{
+    std::size_t position = 0;
+    while (size - position >= recordHeaderLength) {
+        RecordPlace place{position, recordHeaderAt(bytes + position), 0};
+        const std::size_t left = size - place.begin();
+        place.available = left < place.header.length ? left : place.header.length;
+        position = place.begin() + place.available;
+        visit(place);
+    }
+    return position;
+}
+
 } // namespace scard
