@@ -198,6 +198,11 @@ Fault Fault::longAnswer(std::size_t extra)
     return Fault(Kind::Long, extra);
 }
 
+Fault Fault::changedAnswer()
+{
+    return Fault(Kind::Changed);
+}
+
 Fault Fault::raw(Bytes answer)
 {
     return Fault(Kind::Raw, 0, std::move(answer));
@@ -378,6 +383,10 @@ std::optional<Bytes> Card::transmit(const Bytes& command)
         const auto statusAt = answer.begin() + static_cast<Bytes::difference_type>(length);
         if (fault->m_kind == Fault::Kind::Long) {
             answer.insert(statusAt, fault->m_length, 0xEE);
+        } else if (fault->m_kind == Fault::Kind::Changed) {
+            if (length > 0) {
+                answer.front() ^= 0x01;
+            }
         } else if (fault->m_length < length) {
             answer.erase(answer.begin() + static_cast<Bytes::difference_type>(fault->m_length), statusAt);
         }

@@ -20,6 +20,8 @@ class Fault
     static Fault shortAnswer(std::size_t length);
     /// The command is executed, `extra` bytes are added before the status word.
     static Fault longAnswer(std::size_t extra);
+    /// The command is executed, the last bit of its first data byte changes on the way: no checksum saw it.
+    static Fault changedAnswer();
     /// The command is not executed, the answer is exactly `answer` (it may have 0 or 1 byte).
     static Fault raw(Bytes answer);
     /// The card is pulled with this command: no answer, until it is inserted again.
@@ -31,6 +33,7 @@ class Fault
     {
         Short,
         Long,
+        Changed,
         Raw,
         Pulled
     };

@@ -3,6 +3,8 @@
 #include "CompanyCard.h"
 #include "ControlCard.h"
 #include "DriverCard.h"
+#include "TestPki.h"
+#include "TestPkiG2.h"
 #include "TimeReal.h"
 #include "VpcdLink.h"
 #include "WorkshopCard.h"
@@ -10,6 +12,8 @@
 #include <charconv>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <getopt.h>
 #include <iostream>
 #include <limits>
@@ -71,6 +75,11 @@ Second generation
 Faults
   --pull-at N            the card is pulled with command N, counted from 0
   --fail-at N:SW         command N answers the status word SW (hexadecimal)
+  --change-at N          the first byte that command N answers arrives changed
+
+Root keys
+  --write-roots DIR      write the root keys of the simulated cards into the folder,
+                         root-g1.bin and root-g2-CURVE.bin, and end
 
   --help                 this text
 )";
@@ -198,6 +207,7 @@ struct Settings
     std::optional<std::uint16_t> hashRefused;
     std::optional<std::uint16_t> signRefused;
     std::vector<std::pair<std::size_t, sim::Fault>> faults;
+    std::optional<std::filesystem::path> rootsFolder;
     bool help = false;
 };
 
@@ -331,6 +341,11 @@ constexpr Option Options[] = {
          to.faults.emplace_back(number<std::uint32_t>(value), sim::Fault::pulled());
      }},
     {"fail-at", addRefusal},
+    {"change-at",
+     [](Settings& to, Value value) {
+         to.faults.emplace_back(number<std::uint32_t>(value), sim::Fault::changedAnswer());
+     }},
+    {"write-roots", [](Settings& to, Value value) { to.rootsFolder = value; }},
     {"help", [](Settings& to, Value) { to.help = true; }, no_argument},
 };
 
@@ -381,6 +396,25 @@ extern "C" void onSignal(int)
     servedLink->stop();
 }
 
+void writeFile(const std::filesystem::path& path, const sim::Bytes& bytes)
+{
+    std::ofstream file(path, std::ios::binary);
+    file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    file.close();
+    if (!file) {
+        throw std::runtime_error("cannot write " + path.string());
+    }
+}
+
+int writeRoots(const std::filesystem::path& folder)
+{
+    writeFile(folder / "root-g1.bin", sim::rootKeyG1());
+    for (const sim::CurveDescription& row : sim::curves()) {
+        writeFile(folder / ("root-g2-" + std::string(row.name) + ".bin"), sim::rootCertificateG2(row.curve));
+    }
+    return EXIT_SUCCESS;
+}
+
 int serve(const Settings& settings)
 {
     sim::Card card(describe(settings));
@@ -427,7 +461,7 @@ int main(int argc, char** argv)
             std::cout << Usage;
             return EXIT_SUCCESS;
         }
-        return serve(settings);
+        return settings.rootsFolder ? writeRoots(*settings.rootsFolder) : serve(settings);
     } catch (const std::invalid_argument& error) {
         std::cerr << "scard-simcard: " << error.what() << '\n';
         return ExitUsage;

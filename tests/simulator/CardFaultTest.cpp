@@ -86,6 +86,16 @@ TEST(CardFaults, aShortAnswerLetsTheCommandBeExecuted)
     EXPECT_EQ(ask(card, Read4), "01 02 03 04 90 00");
 }
 
+TEST(CardFaults, aChangedAnswerKeepsItsLengthAndStatusWord)
+{
+    Card card(smallCard());
+    card.failAt(0, Fault::changedAnswer());
+    card.failAt(1, Fault::changedAnswer());
+    EXPECT_EQ(ask(card, SelectIcc), "90 00");
+    EXPECT_EQ(ask(card, Read4), "00 02 03 04 90 00");
+    EXPECT_EQ(ask(card, Read4), "01 02 03 04 90 00");
+}
+
 TEST(CardFaults, aCutBehindTheDataChangesNothing)
 {
     Card card(smallCard());

@@ -5,11 +5,15 @@
 #include "DriverCard.h"
 #include "FakeReader.h"
 #include "RowName.h"
+#include "TestPki.h"
+#include "TestPkiG2.h"
 #include "WorkshopCard.h"
 
 #include <array>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -22,6 +26,12 @@ namespace {
 using sim::Bytes;
 using sim::fromHex;
 using sim::toHex;
+
+Bytes bytesOf(const std::filesystem::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return Bytes(std::istreambuf_iterator<char>(file), {});
+}
 
 /// The program with its output caught.
 class Program
@@ -430,6 +440,37 @@ TEST(SimcardProgram, failsAndPullsTheCardAtTheChosenCommands)
     EXPECT_EQ(ask(reader, "00 A4 02 0C 02 00 02"), "90 00");
     EXPECT_EQ(ask(reader, "00 B0 00 00 19"), "gone");
     EXPECT_EQ(program.exitCode(), 0);
+}
+
+TEST(SimcardProgram, changesAnAnswerOnItsWay)
+{
+    FakeReader reader;
+    Program program({"--port", std::to_string(reader.port()), "--change-at", "2"});
+    ASSERT_TRUE(reader.acceptCard());
+    EXPECT_EQ(ask(reader, "00 A4 04 0C 06 FF 54 41 43 48 4F"), "90 00");
+    EXPECT_EQ(ask(reader, "00 A4 02 0C 02 05 01"), "90 00");
+    EXPECT_EQ(ask(reader, "00 B0 00 00 01"), "00 90 00");
+    EXPECT_EQ(ask(reader, "00 B0 00 00 01"), "01 90 00");
+}
+
+TEST(SimcardProgram, writesTheRootKeysOfItsCards)
+{
+    const std::filesystem::path folder = std::filesystem::path(testing::TempDir()) / "simcard-roots";
+    std::filesystem::create_directories(folder);
+    Program program({"--write-roots", folder.string()});
+    EXPECT_EQ(program.exitCode(), 0);
+    EXPECT_EQ(bytesOf(folder / "root-g1.bin"), sim::rootKeyG1());
+    for (const sim::CurveDescription& row : sim::curves()) {
+        EXPECT_EQ(
+            bytesOf(folder / ("root-g2-" + std::string(row.name) + ".bin")),
+            sim::rootCertificateG2(row.curve));
+    }
+}
+
+TEST(SimcardProgram, saysWhenRootKeysCannotBeWritten)
+{
+    Program program({"--write-roots", "/nowhere"});
+    EXPECT_EQ(program.exitCode(), 1);
 }
 
 TEST(SimcardProgram, endsWhenTheReaderGoes)
