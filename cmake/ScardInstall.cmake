@@ -1,12 +1,18 @@
-# What `cmake --install` gives, in parts that packages follow: `runtime` (the libraries), `development` (headers and what
-# finds them) and `tools` (the program); and `license`, for Debian has a file of its own. All of it can be moved as a whole.
+# What `cmake --install` gives, in parts that packages follow: `runtime` (libscard and libaux), `verification`
+# (libscardverify), `development` (headers and what finds them) and `tools` (the program); and `license`, for Debian has
+# a file of its own. All of it can be moved as a whole.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
 set(scard_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/scard)
 
-# A shared library and its public headers, which keep their folders.
+# A shared library, in the part `runtime` unless its property SCARD_INSTALL_COMPONENT names another, and its public
+# headers, which keep their folders.
 function(scard_install_library target)
+    get_target_property(component ${target} SCARD_INSTALL_COMPONENT)
+    if(NOT component)
+        set(component runtime)
+    endif()
     set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN")
     set_property(TARGET ${target} PROPERTY SCARD_PUBLIC_HEADERS ${ARGN})
     target_include_directories(${target} INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
@@ -14,7 +20,7 @@ function(scard_install_library target)
         EXPORT scard
         LIBRARY
             DESTINATION ${CMAKE_INSTALL_LIBDIR}
-            COMPONENT runtime
+            COMPONENT ${component}
             NAMELINK_COMPONENT development
     )
     foreach(header IN LISTS ARGN)
@@ -74,11 +80,18 @@ function(scard_install_package)
         get_filename_component(aux_libdir ${Aux_LIBRARY} DIRECTORY)
         set(pc_aux_libs "-L${aux_libdir} ")
         set(pc_aux_cflags " -I${Aux_INCLUDE_DIR}")
+        set(pc_aux_link ":${aux_libdir}")
     endif()
-    configure_file(${PROJECT_SOURCE_DIR}/cmake/scard.pc.in ${PROJECT_BINARY_DIR}/scard.pc @ONLY)
-    install(FILES ${PROJECT_BINARY_DIR}/scard.pc
-        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
-        COMPONENT development
-    )
+    set(pc_names scard)
+    if(TARGET scard::verify)
+        list(APPEND pc_names scardverify)
+    endif()
+    foreach(name IN LISTS pc_names)
+        configure_file(${PROJECT_SOURCE_DIR}/cmake/${name}.pc.in ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
+        install(FILES ${PROJECT_BINARY_DIR}/${name}.pc
+            DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+            COMPONENT development
+        )
+    endforeach()
     install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libscard COMPONENT license)
 endfunction()
