@@ -1,6 +1,7 @@
 #!/bin/sh
-# Fails when clang-format would change a file, or clang-tidy finds something in the library, the program, the simulated
-# card or the example host. Each of these is looked at as one unit: most of the time goes into the headers of others.
+# Fails when clang-format would change a file, or clang-tidy finds something in the libraries, the program, the
+# simulated card or the example host. Each of these is looked at as one unit: most of the time goes into the headers of
+# others.
 set -eu
 cd "$(dirname "$0")/.."
 scripts/install-packages.sh style
@@ -36,6 +37,7 @@ echo "== clang-tidy"
 tidy program cli &
 program=$!
 tidy library scard aux
+tidy verify scardverify
 tidy simulator simulator
 tidy example examples/window
 wait $program

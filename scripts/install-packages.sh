@@ -14,6 +14,7 @@ packages="
     libpcsclite-dev
     libssl-dev
     ninja-build
+    openssl
     pcscd
     pkg-config
     python3-jsonschema

@@ -1,9 +1,10 @@
 #!/bin/sh
 # What the README's commands install can be moved, found by CMake and by pkg-config, and run:
-# check-installed.sh LIBSCARD FOLDER CMAKE SOURCE IMAGE README. SOURCE is a host that tells what is on an image of a driver
-# card, README a folder with what the README says. The moved tree stays in FOLDER/installed.
+# check-installed.sh LIBSCARD FOLDER CMAKE SOURCE IMAGE README VERIFY SIGNED_IMAGE ROOT_KEYS. SOURCE is a host
+# that tells what is on an image of a driver card, README a folder with what the README says, VERIFY a host that
+# verifies. The moved tree stays in FOLDER/installed.
 set -eu
-libscard=$1 folder=$2 cmake=$3 source=$4 image=$5 readme=$6
+libscard=$1 folder=$2 cmake=$3 source=$4 image=$5 readme=$6 verify=$7 signed=$8 roots=$9
 here=$(cd "$(dirname "$0")" && pwd)
 rm -rf "$folder"
 mkdir -p "$folder"
@@ -34,12 +35,17 @@ if grep -rlF -e "$folder/first" -e "$folder/own" "$installed" --include='*.cmake
     echo "these files name the place they were built or installed at"
     exit 1
 fi
-for file in include/scard/SCardReader.h include/scard/records/DriverCard.h include/aux/Error.h share/man/man1/scard.1 \
+for file in include/scard/SCardReader.h include/scard/records/DriverCard.h include/aux/Error.h \
+    include/scardverify/VerifyImage.h share/man/man1/scard.1 \
     share/bash-completion/completions/scard share/doc/libscard/LICENSE; do
     [ -f "$installed/$file" ] || { echo "not installed: $file"; exit 1; }
 done
 if find "$installed" -path '*detail*' | grep .; then
     echo "installs internals"
+    exit 1
+fi
+if grep -rliE 'openssl|libcrypto' "$installed/include" "$lib" --include='*.h' --include='*.cmake' --include='*.pc'; then
+    echo "these files bring OpenSSL to hosts"
     exit 1
 fi
 run "$installed/bin/scard" records "$image"
@@ -59,6 +65,25 @@ if "$cmake" -S "$here/host" -B "$folder/host-2" -DCMAKE_PREFIX_PATH="$installed"
 fi
 grep -q 'scardConfig.cmake, version: ' "$folder/log" || { cat "$folder/log"; exit 1; }
 
+# OpenSSL is the library's matter, not its host's.
+run "$cmake" -S "$here/host" -B "$folder/host-verify" -DCMAKE_PREFIX_PATH="$installed" -DSOURCE="$verify" \
+    -DLIBRARY=scard::verify -DPARTS=verify -DCMAKE_DISABLE_FIND_PACKAGE_OpenSSL=ON
+run "$cmake" --build "$folder/host-verify"
+"$here/check-verify-host.sh" "$signed" "$roots" "$folder/host-verify/host"
+ldd "$folder/host-verify/host" | grep -q "libscardverify.so.1 => $installed/" || {
+    echo "verifies by another library"
+    exit 1
+}
+if objdump -p "$folder/host-verify/host" | grep 'NEEDED.*libcrypto'; then
+    echo "the host that verifies is linked with OpenSSL"
+    exit 1
+fi
+if "$cmake" -S "$here/host" -B "$folder/host-part" -DCMAKE_PREFIX_PATH="$installed" -DSOURCE="$verify" \
+    -DPARTS=no-such-part >"$folder/log" 2>&1; then
+    echo "has parts that there are not"
+    exit 1
+fi
+
 run "$cmake" -S "$readme" -B "$folder/readme" -DCMAKE_PREFIX_PATH="$installed"
 run "$cmake" --build "$folder/readme"
 
@@ -67,6 +92,9 @@ export PKG_CONFIG_PATH
 # shellcheck disable=SC2046 # lists of words
 run g++ -std=c++17 -fPIC "$source" -o "$folder/host" $(pkg-config --cflags --libs scard)
 LD_LIBRARY_PATH=$lib says "$folder/host" "$image"
+# shellcheck disable=SC2046 # lists of words
+run g++ -std=c++17 -fPIC "$verify" -o "$folder/verify" $(pkg-config --cflags --libs scardverify)
+LD_LIBRARY_PATH=$lib "$here/check-verify-host.sh" "$signed" "$roots" "$folder/verify"
 cd "$folder"
 cp "$readme/host.cpp" .
 run sh "$readme/build.sh"

@@ -14,8 +14,9 @@ run()
 {
     "$@" >"$build/log" 2>&1 || { cat "$build/log"; exit 1; }
 }
-run "$cmake" -S "$libscard" -B "$build/library" -DSCARD_PROGRAM=OFF -DSCARD_SYSTEM_AUX=ON -DCMAKE_BUILD_TYPE=Debug \
-    -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=0 -DCMAKE_PREFIX_PATH="$build/platform"
+run "$cmake" -S "$libscard" -B "$build/library" -DSCARD_PROGRAM=OFF -DSCARD_VERIFY=OFF -DSCARD_SYSTEM_AUX=ON \
+    -DCMAKE_BUILD_TYPE=Debug -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=0 \
+    -DCMAKE_PREFIX_PATH="$build/platform"
 run "$cmake" --build "$build/library"
 
 find "$build/library" -name '*.o.d' -exec cat {} + | tr ' ' '\n' | grep '/aux/.*\.h$' | sort -u >"$build/headers"

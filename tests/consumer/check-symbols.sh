@@ -1,5 +1,5 @@
 #!/bin/sh
-# The library calls only these functions of PC/SC, and shows none of its internals: check-symbols.sh LIBRARY
+# libscard calls only these functions of PC/SC, and shows none of its internals: check-symbols.sh LIBRARY
 set -eu
 allowed="SCardConnect SCardDisconnect SCardEstablishContext SCardFreeMemory SCardGetStatusChange SCardListReaders
     SCardReleaseContext SCardStatus SCardTransmit g_rgSCardT1Pci pcsc_stringify_error"

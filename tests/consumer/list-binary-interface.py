@@ -44,7 +44,7 @@ def relocations(library):
 
 
 def main(namespace, library):
-    place = f"{len(namespace)}{namespace}"
+    place = "".join(f"{len(part)}{part}" for part in namespace.split("::"))
     ours = re.compile(rf"_Z(T[VIS])?N?K?{place}")
     word = 8
     everything = sorted(symbols(library))

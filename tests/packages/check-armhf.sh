@@ -5,6 +5,8 @@ set -eu
 build=$1 packages=$2 armroot=$PWD/$3
 machine=arm-linux-gnueabihf
 image=$build/fuzz/seeds/full/image/000
+signed=$build/fuzz/seeds/full/image/002
+roots=$build/tests/consumer/root-keys
 unpacked=$PWD/$packages/unpacked
 rm -rf "$unpacked"
 for package in "$packages"/*.deb; do
@@ -12,10 +14,15 @@ for package in "$packages"/*.deb; do
 done
 lib=$unpacked/usr/lib/$machine
 
-# shellcheck disable=SC2046 # a list of words
-$machine-g++ --sysroot="$armroot" -std=c++17 -fPIC "$build/tests/consumer/readme_show.cpp" -o "$packages/host" \
-    $(PKG_CONFIG_LIBDIR=$lib/pkgconfig:$armroot/usr/lib/$machine/pkgconfig PKG_CONFIG_SYSROOT_DIR='' \
-        pkg-config --cflags --libs scard | sed "s| -I/usr/include| -I$armroot/usr/include|g")
+# compiled SOURCE HOST PACKAGE
+compiled()
+{
+    # shellcheck disable=SC2046 # a list of words
+    $machine-g++ --sysroot="$armroot" -std=c++17 -fPIC "$1" -o "$2" \
+        $(PKG_CONFIG_LIBDIR=$lib/pkgconfig:$armroot/usr/lib/$machine/pkgconfig PKG_CONFIG_SYSROOT_DIR='' \
+            pkg-config --cflags --libs "$3" | sed "s| -I/usr/include| -I$armroot/usr/include|g")
+}
+compiled "$build/tests/consumer/readme_show.cpp" "$packages/host" scard
 emulated()
 {
     qemu-arm -L "$armroot" -E LD_LIBRARY_PATH="$lib" "$@"
@@ -28,4 +35,7 @@ cmp "$packages/here.txt" "$packages/there.txt"
 emulated "$unpacked/usr/bin/scard" show --json --utc "$image" >"$packages/there.txt"
 "$build/cli/scard" show --json --utc "$image" >"$packages/here.txt"
 cmp "$packages/here.txt" "$packages/there.txt"
+compiled docs/api/examples/verify_image.cpp "$packages/verify" scardverify
+tests/consumer/check-verify-host.sh "$signed" "$roots" \
+    qemu-arm -L "$armroot" -E LD_LIBRARY_PATH="$lib" "$packages/verify"
 echo "the host and the program say the same on both machines"

@@ -5,6 +5,9 @@ set -eu
 build=$PWD/$1 packages=$2
 image=$build/fuzz/seeds/full/image/000
 host=$build/tests/consumer/readme_show.cpp
+signed=$build/fuzz/seeds/full/image/002
+roots=$build/tests/consumer/root-keys
+verify=$PWD/docs/api/examples/verify_image.cpp
 work=$(mktemp -d)
 # Without a pcscd to recommend nothing is fetched: what they depend on has to be there.
 dpkg --install "$packages"/*.deb
@@ -39,12 +42,26 @@ expect 'minutes of driving'
 ldd "$work/by-pkg-config" >"$work/out"
 expect 'libscard.so.1 => /lib/.*/libscard.so.1'
 
+echo "== a host that verifies"
+cmake -S tests/consumer/host -B "$work/verify" -DSOURCE="$verify" -DLIBRARY=scard::verify -DPARTS=verify \
+    -DCMAKE_DISABLE_FIND_PACKAGE_OpenSSL=ON >"$work/out"
+cmake --build "$work/verify" >"$work/out"
+tests/consumer/check-verify-host.sh "$signed" "$roots" "$work/verify/host"
+# shellcheck disable=SC2046 # a list of words
+g++ -std=c++17 -fPIC "$verify" -o "$work/verify-by-pkg-config" $(pkg-config --cflags --libs scardverify)
+tests/consumer/check-verify-host.sh "$signed" "$roots" "$work/verify-by-pkg-config"
+ldd "$work/verify-by-pkg-config" >"$work/out"
+expect 'libscardverify.so.1 => /lib/.*/libscardverify.so.1'
+
 echo "== the example"
 tests/example/check-example.sh . "$work/example" /usr "$build/simulator/scard-simcard"
 
 echo "== removing them"
-dpkg --listfiles libscard1 libscard-dev scard-tools | grep -E 'scard|aux' >"$work/files"
-dpkg --purge libscard1 libscard-dev scard-tools
+packages="libscard1 libscardverify1 libscard-dev scard-tools"
+# shellcheck disable=SC2086 # a list of words
+dpkg --listfiles $packages | grep -E 'scard|aux' >"$work/files"
+# shellcheck disable=SC2086
+dpkg --purge $packages
 status=0
 while read -r file; do
     [ ! -e "$file" ] && [ ! -L "$file" ] || {
