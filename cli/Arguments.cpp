@@ -76,6 +76,11 @@ QString Arguments::value(const QString& name) const
     return m_parser.value(name);
 }
 
+QStringList Arguments::values(const QString& name) const
+{
+    return m_parser.values(name);
+}
+
 QStringList Arguments::positional() const
 {
     return m_parser.positionalArguments();

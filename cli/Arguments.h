@@ -37,6 +37,10 @@ class Arguments
 
     bool isSet(const QString& name) const;
     QString value(const QString& name) const;
+
+    /// All values of an option that may stand more than once.
+    QStringList values(const QString& name) const;
+
     QStringList positional() const;
 
     /// Names a wrong argument on standard error.

@@ -11,4 +11,5 @@ ExitCode runDoctor(const QStringList& arguments);
 ExitCode runDownload(const QStringList& arguments);
 ExitCode runWatch(const QStringList& arguments);
 ExitCode runShow(const QStringList& arguments);
+ExitCode runVerify(const QStringList& arguments);
 ExitCode runRecords(const QStringList& arguments);

@@ -11,4 +11,6 @@ enum ExitCode
     exitNotWritten = 5,  ///< a file or the output could not be written
     exitNotStamped = 6,  ///< the download is complete, but the card could not be told
     exitDamagedFile = 7, ///< the file is damaged; what could be shown was shown
+    exitUnproven = 8,    ///< the download is not proven to be genuine
+    exitAltered = 9,     ///< the download is not what a card wrote
 };

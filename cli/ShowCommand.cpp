@@ -3,6 +3,7 @@
 #include "Console.h"
 #include "report/ReadReport.h"
 #include "report/Writers.h"
+#include "verify/RootKeys.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -24,6 +25,7 @@ struct Wishes
     QString htmlPath;
     report::Range range;
     report::Zone zone = report::Zone::Local;
+    std::vector<scard::verify::RootKey> roots;
 };
 
 void describe(Arguments& options)
@@ -46,6 +48,7 @@ void describe(Arguments& options)
         QStringLiteral("utc"),
         QStringLiteral(
             "Times in UTC, as the card keeps them, instead of local time. Days are always those of UTC."));
+    RootKeys::add(options);
     options.addPositional(QStringLiteral("FILE..."), QStringLiteral("Downloads of cards."));
 }
 
@@ -86,7 +89,7 @@ std::optional<ExitCode> takeWishes(const Arguments& options, Wishes& wishes)
     }
     if (wishes.range.from.isValid() && wishes.range.until.isValid() && wishes.range.until < wishes.range.from)
         return options.usageError(QStringLiteral("--until is before --from."));
-    return std::nullopt;
+    return RootKeys::read(options, wishes.roots);
 }
 
 /// Why a page must not take the place of what stands at @p path; empty when it may. A slip of the hand must
@@ -177,7 +180,7 @@ ExitCode runShow(const QStringList& arguments)
     std::vector<Report> reports;
     std::vector<report::ReadResult> failures;
     for (const QString& path : wishes.files) {
-        report::ReadResult result = report::readReport(path, wishes.range, wishes.zone);
+        report::ReadResult result = report::readReport(path, wishes.range, wishes.zone, wishes.roots);
         code = std::max(code, result.code);
         if (result.report)
             reports.push_back(*std::move(result.report));

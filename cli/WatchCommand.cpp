@@ -20,7 +20,8 @@ ExitCode runWatch(const QStringList& arguments)
             "by SIGINT or SIGTERM. Waits for readers and for the card service."));
     given.addFlag(
         downloadOption,
-        QStringLiteral("Download each card; --region, --to, --force and --quiet belong to it."));
+        QStringLiteral(
+            "Download each card; --region, --to, --force, --quiet, --verify and --root belong to it."));
     DownloadArguments::add(given);
     given.addValue(
         commandOption, QStringLiteral("COMMAND"),
@@ -34,7 +35,8 @@ ExitCode runWatch(const QStringList& arguments)
     options.downloads = given.isSet(downloadOption);
     options.command = given.value(commandOption);
     if (!options.downloads && DownloadArguments::anyGiven(given))
-        return given.usageError(QStringLiteral("--region, --to, --force and --quiet need --download."));
+        return given.usageError(
+            QStringLiteral("--region, --to, --force, --quiet, --verify and --root need --download."));
     if (const std::optional<ExitCode> end = DownloadArguments::read(given, options.download, options.style))
         return *end;
 

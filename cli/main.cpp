@@ -24,6 +24,7 @@ constexpr Command commands[] = {
     {"download", runDownload, "the card in the first reader, into a file"},
     {"watch", runWatch, "each card that is put in, until it is stopped"},
     {"show", runShow, "what is on a download: text, JSON, CSV, HTML"},
+    {"verify", runVerify, "whether a download is genuine"},
     {"records", runRecords, "the records of a download file, also of a damaged one"},
 };
 

@@ -1,7 +1,7 @@
 #!/bin/sh
 # Builds the library, puts a simulated driver card of version 2.2 into a virtual reader behind a pcscd of its own,
-# downloads it with `scard download`, and shows the file's records and the driver's last days. The file stays under
-# /tmp/; nothing else does.
+# downloads it with `scard download`, shows the file's records, proves that it is genuine, and shows the driver's last
+# days. The file stays under /tmp/; nothing else does.
 set -eu
 cd "$(dirname "$0")/.."
 scripts/install-packages.sh
@@ -25,6 +25,9 @@ scripts/with-virtual-reader.sh sh -euc '
     [ -f "$file" ] || exit 1
     echo "== scard records"
     $scard records "$file"
+    $card --write-roots /run
+    echo "== scard verify"
+    $scard verify --root /run/root-g1.bin --root /run/root-g2-nist-p256.bin "$file"
     echo "== scard show"
     $scard show --from 2024-02-25 "$file"
 '

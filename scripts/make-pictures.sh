@@ -37,6 +37,12 @@ for kind in driver-g2v2 workshop-g2v2 company-g2; do
     ' make-pictures.sh $kind
 done
 
+scard-simcard --write-roots .
+roots="--root root-g1.bin --root root-g2-nist-p256.bin"
+# One byte of the vehicles in the second application, changed behind the download.
+cp driver.ddd changed.ddd
+printf X | dd of=changed.ddd bs=1 seek=50000 conv=notrunc status=none
+
 # Chromium refuses to run as root with its sandbox.
 sandbox=
 [ "$(id -u)" -ne 0 ] || sandbox=--no-sandbox
@@ -82,7 +88,8 @@ EOF
 }
 
 for kind in driver workshop company; do
-    scard show --html $kind.html $kind.ddd
+    # shellcheck disable=SC2086 # a list of words
+    scard show $roots --html $kind.html $kind.ddd
     page $kind 1100 1400 html-$kind.png
     smaller html-$kind.png
 done
@@ -106,4 +113,5 @@ terminal 80 76 text-driver-80.png "scard show --from 2024-02-20 driver.ddd"
 terminal 120 69 text-driver-120.png "scard show --from 2024-02-20 driver.ddd"
 terminal 120 46 text-workshop-120.png "scard show --from 2024-02-27 workshop.ddd"
 terminal 120 48 text-company-120.png "scard show company.ddd"
+terminal 140 80 text-verify.png "scard verify $roots changed.ddd"
 ls -l "$images"

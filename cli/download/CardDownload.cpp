@@ -151,6 +151,19 @@ void CardDownload::finish(const QString& source)
     m_result.file->signatures = image.signatures();
     if (image.bytes.isEmpty())
         m_result.unreadEfs.clear(); // nothing was to be read of such a card
+    else if (m_options.verifies)
+        verify(image.bytes);
+}
+
+/// What the card's own certificates say is enough; a root key that was given must fit as well.
+void CardDownload::verify(const QByteArray& image)
+{
+    m_result.verification = verificationOf(m_result.file->path, image, m_options.roots);
+    if (m_result.verification->holdsByItself(m_options.roots))
+        return;
+    const ExitCode code = exitCodeOf(m_result.verification->report.verdict);
+    if (m_result.code == exitDone || code == exitAltered)
+        m_result.code = code;
 }
 
 /// The chip's number from the image: the object that reads a card has it only of some cards.

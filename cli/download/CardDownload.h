@@ -2,6 +2,7 @@
 
 #include "../reader/CardFailure.h"
 #include "../reader/CardIdentity.h"
+#include "../verify/Verification.h"
 #include "FinishedFile.h"
 #include "ProgressDisplay.h"
 #include "WrittenFile.h"
@@ -15,12 +16,15 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 struct DownloadOptions
 {
     scard::FilenameRegion region = scard::RegionDDD;
     QString folder; ///< where finished downloads go; empty: they stay in "/tmp/"
     FinishedFile::Existing existing = FinishedFile::Existing::Refused;
+    bool verifies = false;                     ///< the finished file's signatures are checked
+    std::vector<scard::verify::RootKey> roots; ///< that they should lead to
 };
 
 /// The finished file.
@@ -38,11 +42,12 @@ struct DownloadResult
     std::optional<CardIdentity> card; ///< empty when it could not be told
     QString holder;
     QString language;
-    QStringList unreadEfs;              ///< EFs that could not be read, also of a complete download
-    std::optional<StoredImage> file;    ///< a complete download, wherever it had to stay
-    std::optional<qint64> durationMs;   ///< empty when there was no card to read
-    QDateTime downloadedAt;             ///< null without a complete download
-    std::optional<CardFailure> failure; ///< empty when all is well
+    QStringList unreadEfs;                    ///< EFs that could not be read, also of a complete download
+    std::optional<StoredImage> file;          ///< a complete download, wherever it had to stay
+    std::optional<qint64> durationMs;         ///< empty when there was no card to read
+    QDateTime downloadedAt;                   ///< null without a complete download
+    std::optional<Verification> verification; ///< empty when it was not asked for, or there is no file
+    std::optional<CardFailure> failure;       ///< empty when all is well
 };
 
 /// One download of the card in the first reader: open, read, close, and the file into its folder.
@@ -67,6 +72,7 @@ class CardDownload
     void finish(const QString& source);
     void identifyFromFile(const QString& path);
     void bring(const QString& source);
+    void verify(const QByteArray& image);
 
     const DownloadOptions m_options;
     ProgressDisplay& m_display;

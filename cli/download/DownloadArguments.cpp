@@ -2,6 +2,7 @@
 
 #include "../Console.h"
 #include "../LibraryLog.h"
+#include "../verify/RootKeys.h"
 #include "FinishedFile.h"
 
 #include <QDir>
@@ -84,6 +85,10 @@ void add(Arguments& arguments)
             "Folder for the finished file; without it the file stays in /tmp/. The file appears there "
             "complete or not at all."));
     arguments.addFlag(QStringLiteral("force"), QStringLiteral("Replace a file of the same name in DIR."));
+    arguments.addFlag(
+        QStringLiteral("verify"),
+        QStringLiteral("Check the signatures in the finished file, by the certificates of the card."));
+    RootKeys::add(arguments);
     arguments.addFlag(QStringLiteral("json"), QStringLiteral("Print the result as one line of JSON."));
     arguments.addFlag(
         QStringLiteral("quiet"), QStringLiteral("Print the path of the finished file and nothing else."));
@@ -92,10 +97,12 @@ void add(Arguments& arguments)
 bool anyGiven(const Arguments& arguments)
 {
     const QString names[] = {
-        QStringLiteral("region"), QStringLiteral("to"), QStringLiteral("force"), QStringLiteral("quiet")};
-    return std::any_of(std::begin(names), std::end(names), [&arguments](const QString& name) {
-        return arguments.isSet(name);
-    });
+        QStringLiteral("region"), QStringLiteral("to"), QStringLiteral("force"), QStringLiteral("quiet"),
+        QStringLiteral("verify")};
+    return RootKeys::anyGiven(arguments) ||
+           std::any_of(std::begin(names), std::end(names), [&arguments](const QString& name) {
+               return arguments.isSet(name);
+           });
 }
 
 std::optional<ExitCode> read(const Arguments& arguments, DownloadOptions& options, ReportStyle& style)
@@ -108,6 +115,11 @@ std::optional<ExitCode> read(const Arguments& arguments, DownloadOptions& option
     std::optional<ExitCode> end = readRegion(arguments, options.region);
     if (!end)
         end = readStyle(arguments, style);
+    options.verifies = arguments.isSet(QStringLiteral("verify"));
+    if (!end && RootKeys::anyGiven(arguments) && !options.verifies)
+        end = arguments.usageError(QStringLiteral("--root needs --verify."));
+    if (!end)
+        end = RootKeys::read(arguments, options.roots);
     if (!end)
         end = readFolder(arguments, options.folder);
     return end;

@@ -3,6 +3,9 @@
 #include "../CardNames.h"
 #include "../Console.h"
 #include "../ErrorJson.h"
+#include "../JsonValues.h"
+#include "../verify/VerificationJson.h"
+#include "../verify/VerificationText.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -11,16 +14,6 @@
 namespace {
 
 constexpr double millisecondsPerSecond = 1000;
-
-QJsonValue textOrNull(const QString& text)
-{
-    return text.isEmpty() ? QJsonValue() : QJsonValue(text);
-}
-
-QJsonValue timeOrNull(const QDateTime& time)
-{
-    return time.isValid() ? QJsonValue(time.toUTC().toString(Qt::ISODate)) : QJsonValue();
-}
 
 /// A number with its meaning, as "scard show --json" has them.
 QJsonObject coded(int code, const QString& name)
@@ -65,12 +58,30 @@ void printSummary(const DownloadResult& result)
               << "SHA-256: " << result.file->sha256 << '\n'
               << "Signatures: " << result.file->signatures << '\n';
     }
+    if (result.verification)
+        out() << "Verified: " << verdictSentence(*result.verification) << '\n';
     if (result.file && result.file->size == 0)
         out() << "Note: the file is empty; what is on a card of this kind is not downloaded.\n";
     if (result.file && result.durationMs) {
         const double seconds = static_cast<double>(*result.durationMs) / millisecondsPerSecond;
         out() << "Duration: " << QString::number(seconds, 'f', 1) << " s\n";
     }
+}
+
+/// What is not as it should be, beside the verdict on standard output.
+void warnOfVerification(const DownloadResult& result)
+{
+    if (!result.verification || result.code < exitUnproven)
+        return;
+    const bool isAltered = result.verification->report.verdict == scard::verify::Verdict::Altered;
+    err() << "scard: "
+          << (isAltered ? "The file is not what its signatures say"
+                        : "Not all of the file could be checked by its signatures")
+          << ":\n";
+    writeReasons(err(), *result.verification);
+    if (isAltered)
+        err() << "Download the card once more; when it stays so, keep both files.\n";
+    err().flush();
 }
 
 /// The library goes on without EF_ICC and EF_IC, and without the first of two applications.
@@ -102,6 +113,7 @@ void printDownload(const DownloadResult& result, ReportStyle style)
     }
     out().flush();
     warnOfUnreadEfs(result);
+    warnOfVerification(result);
     if (result.failure)
         printCardFailure(*result.failure);
 }
@@ -121,6 +133,7 @@ QByteArray downloadJson(const DownloadResult& result)
         {"signatures", QJsonValue()},
         {"duration_seconds", QJsonValue()},
         {"downloaded_at", timeOrNull(result.downloadedAt)},
+        {"verification", result.verification ? QJsonValue(verdictJson(*result.verification)) : QJsonValue()},
         {"failure", failureJson(result.failure)},
     };
     if (result.file) {

@@ -201,6 +201,7 @@ class HtmlWriter
         appendFact(group, "File", m_report.path);
         appendFact(group, "Size", sizeText(m_report));
         appendFact(group, "SHA-256", m_report.sha256);
+        appendFact(group, "Signatures", signaturesText(m_report));
         appendFact(group, "Shown", rangeText());
         appendFact(group, "Times", timesText());
         return group;

@@ -1,4 +1,5 @@
 #include "../ErrorJson.h"
+#include "../verify/VerificationJson.h"
 #include "Writers.h"
 
 #include <QJsonArray>
@@ -111,6 +112,7 @@ QJsonObject reportJson(const Report& report)
         {QStringLiteral("applications"), applications},
         {QStringLiteral("figures"), figuresJson(report)},
         {QStringLiteral("damage"), damageJson(report)},
+        {QStringLiteral("verification"), verdictJson(report.verification)},
     };
 }
 

@@ -211,7 +211,8 @@ damageOf(const QString& path, const ImageFile& file, const Reading& reading, boo
 
 } // namespace
 
-ReadResult readReport(const QString& path, const Range& range, Zone zone)
+ReadResult readReport(
+    const QString& path, const Range& range, Zone zone, const std::vector<scard::verify::RootKey>& roots)
 {
     const FileBytes input = readFile(path);
     if (!input.message.isEmpty())
@@ -237,6 +238,7 @@ ReadResult readReport(const QString& path, const Range& range, Zone zone)
     Report report;
     report.zone = zone;
     describe(report, path, file);
+    report.verification = verificationOf(path, file.bytes, roots);
     describeCard(report, *card, image);
     limit(report, range);
     auto* driver = dynamic_cast<scard::SCardDriverG1*>(card.get());

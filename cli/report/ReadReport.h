@@ -20,6 +20,9 @@ struct ReadResult
 };
 
 /// Reads the download at @p path, limited to @p range.
-ReadResult readReport(const QString& path, const Range& range, Zone zone);
+/// @param roots the keys that its certificates may lead to
+ReadResult readReport(
+    const QString& path, const Range& range, Zone zone,
+    const std::vector<scard::verify::RootKey>& roots = {});
 
 } // namespace report

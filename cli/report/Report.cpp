@@ -78,6 +78,14 @@ QString sizeText(const Report& report)
         .arg(report.signatures);
 }
 
+QString signaturesText(const Report& report)
+{
+    const Verification& verification = report.verification;
+    const bool isKnown =
+        verification.valid > 0 || verification.report.verdict == scard::verify::Verdict::Altered;
+    return isKnown ? verdictSentence(verification) : QString();
+}
+
 void limit(Report& report, const Range& range)
 {
     report.range = range;

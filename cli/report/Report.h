@@ -1,5 +1,6 @@
 #pragma once
 
+#include "../verify/Verification.h"
 #include "Table.h"
 
 #include <aux/Error.h>
@@ -83,6 +84,7 @@ struct Report
     int records = 0;
     int signatures = 0;
     bool isCut = false;
+    Verification verification; ///< what the signatures say
 
     FactGroup card; ///< type, generation, chip
     std::vector<Application> applications;
@@ -119,6 +121,9 @@ QString zoneName(Zone zone);
 
 /// How large the file is and what is in it.
 QString sizeText(const Report& report);
+
+/// Whether the signatures hold; empty when that cannot be known.
+QString signaturesText(const Report& report);
 
 /// Leaves only the days and rows that touch @p range; what has no time stays.
 void limit(Report& report, const Range& range);

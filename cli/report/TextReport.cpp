@@ -108,6 +108,7 @@ class TextWriter
         group.title = m_report.path;
         appendFact(group, "File", sizeText(m_report));
         appendFact(group, "SHA-256", m_report.sha256);
+        appendFact(group, "Signatures", signaturesText(m_report));
         return group;
     }
 

@@ -3,6 +3,8 @@
 #include "CardService.h"
 
 #include <simulator/ControlCard.h>
+#include <simulator/TestPki.h>
+#include <simulator/TestPkiG2.h>
 #include <support/ExpectedDriver.h>
 #include <support/PcscPresence.h>
 #include <support/RunningProgram.h>
@@ -65,6 +67,15 @@ class DownloadCommandTest : public CardBehindPcscd
     }
 
     QString folder() const { return m_folder.path(); }
+
+    /// Writes a file into the folder and gives its path.
+    QString written(const QString& name, const sim::Bytes& bytes) const
+    {
+        QFile file(QDir(folder()).filePath(name));
+        file.open(QIODevice::WriteOnly);
+        file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size()));
+        return file.fileName();
+    }
 
   private:
     QTemporaryDir m_folder;
@@ -217,6 +228,89 @@ TEST_F(DownloadCommandTest, WhatACardCallsItsHolderCannotSteerTheTerminal)
     const Outcome outcome = scardProgram({"download"});
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_THAT(outcome.out, HasSubstr("Holder: J?na, Mustermann\n"));
+}
+
+TEST_F(DownloadCommandTest, ChecksTheSignaturesOfTheFinishedFileWhenAsked)
+{
+    insert(janasCard());
+    const QString root = written("root1", sim::rootKeyG1());
+    Outcome outcome = scardProgram({"download", "--verify", "--root", root, "--to", folder()});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_THAT(
+        outcome.out, HasSubstr("Verified: genuine: 12 of 12 signatures of the first generation hold, up to "
+                               "the root keys that were given\n"));
+
+    // Without the root key the first generation's certificates do not open.
+    outcome = scardProgram({"download", "--verify", "--force", "--to", folder()});
+    EXPECT_EQ(outcome.exitCode, 8);
+    EXPECT_THAT(
+        outcome.out, HasSubstr("Verified: root unknown: 0 of 12 signatures of the first generation hold, 12 "
+                               "cannot be checked, "));
+    EXPECT_THAT(
+        outcome.err, StartsWith("scard: Not all of the file could be checked by its signatures:\n"
+                                "  root unknown  first generation: The root key FD 45 43 20 00 54 4B 01 "));
+}
+
+TEST_F(DownloadCommandTest, TheCertificatesOfASecondGenerationCardAreEnough)
+{
+    insert(driverCardG2());
+    const QString root = written("root1", sim::rootKeyG1());
+    const Outcome outcome = scardProgram({"download", "--verify", "--root", root, "--to", folder()});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_THAT(
+        outcome.out,
+        HasSubstr("Verified: root unknown: 26 of 26 signatures hold, a root key was not given\n"));
+}
+
+TEST_F(DownloadCommandTest, ARootKeyThatWasGivenMustFit)
+{
+    insert(driverCardG2());
+    const QString first = written("root1", sim::rootKeyG1());
+    const QString other = written("other", sim::previousRootCertificateG2(sim::Curve::NistP384));
+    const Outcome outcome =
+        scardProgram({"download", "--verify", "--root", first, "--root", other, "--to", folder()});
+    EXPECT_EQ(outcome.exitCode, 8);
+    EXPECT_THAT(
+        outcome.err, StartsWith("scard: Not all of the file could be checked by its signatures:\n"
+                                "  root unknown  second generation: The root key "));
+}
+
+TEST_F(DownloadCommandTest, TellsOfAChangedFileAlsoWhenTheCardCouldNotBeTold)
+{
+    sim::CardDescription description = janasCard();
+    description.switches.writesFail = true;
+    insert(description);
+    card().failAt(100, sim::Fault::changedAnswer());
+    const QString root = written("root1", sim::rootKeyG1());
+    const Outcome outcome = scardProgram({"download", "--verify", "--root", root, "--to", folder()});
+    EXPECT_EQ(outcome.exitCode, 9);
+    EXPECT_THAT(outcome.err, HasSubstr("The file is not what its signatures say:\n"));
+    EXPECT_THAT(outcome.err, HasSubstr("could not be told"));
+}
+
+TEST_F(DownloadCommandTest, SaysThatWhatArrivedIsNotWhatTheCardSigned)
+{
+    insert(janasCard());
+    card().failAt(100, sim::Fault::changedAnswer());
+    const QString root = written("root1", sim::rootKeyG1());
+    const Outcome outcome =
+        scardProgram({"download", "--json", "--verify", "--root", root, "--to", folder()});
+    EXPECT_EQ(outcome.exitCode, 9);
+    EXPECT_THAT(
+        outcome.err,
+        StartsWith(
+            "scard: The file is not what its signatures say:\n"
+            "  altered       first generation: EF_Driver_Activity_Data: the signature does not hold. "));
+    EXPECT_THAT(
+        outcome.err, testing::EndsWith("Download the card once more; when it stays so, keep both files.\n"));
+    const QJsonObject json = jsonOf(outcome);
+    EXPECT_EQ(json["exit_code"].toInt(), 9);
+    EXPECT_EQ(json["verification"]["verdict"].toString(), "altered");
+    EXPECT_EQ(json["verification"]["signatures"]["valid"].toInt(), 11);
+    EXPECT_TRUE(json["failure"].isNull());
+    EXPECT_THAT(namesIn(folder()), testing::SizeIs(2)); // the download and the key
 }
 
 TEST_F(DownloadCommandTest, BringsTheFileIntoTheFolder)
@@ -433,6 +527,7 @@ TEST_F(DownloadCommandTest, RefusesWhatItDoesNotKnow)
         {{"download", "--json", "--quiet"}, "--quiet and --json exclude each other."},
         {{"download", "--force"}, "--force needs --to."},
         {{"download", "--to", ""}, "--to needs a folder."},
+        {{"download", "--root", "key"}, "--root needs --verify."},
     };
     for (const auto& row : rows) {
         const Outcome outcome = scardProgram(row.arguments);

@@ -263,12 +263,15 @@ TEST_F(WatchCommandTest, RefusesWhatBelongsToDownloads)
          {QStringList{"watch", "--to", "/tmp"},
           {"watch", "--region", "ddd"},
           {"watch", "--force"},
-          {"watch", "--quiet"}}) {
+          {"watch", "--quiet"},
+          {"watch", "--verify"},
+          {"watch", "--root", "key"}}) {
         const Outcome outcome = scardProgram(arguments);
         EXPECT_EQ(outcome.exitCode, 1);
         EXPECT_EQ(
-            outcome.err, "scard watch: --region, --to, --force and --quiet need --download.\n"
-                         "See: scard watch --help\n");
+            outcome.err,
+            "scard watch: --region, --to, --force, --quiet, --verify and --root need --download.\n"
+            "See: scard watch --help\n");
     }
     EXPECT_EQ(scardProgram({"watch", "me"}).exitCode, 1);
 }
