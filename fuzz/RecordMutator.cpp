@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <functional>
 #include <random>
 #include <vector>
 
@@ -93,4 +94,27 @@ LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSiz
         changePayload(records[at].payload, maxSize, random);
     }
     return write(records, data, maxSize);
+}
+
+// The first records of one download and the last of another, or the first application of the one and the
+// second of the other.
+extern "C" std::size_t LLVMFuzzerCustomCrossOver(
+    const std::uint8_t* data1, std::size_t size1, const std::uint8_t* data2, std::size_t size2,
+    std::uint8_t* out, std::size_t maxOutSize, unsigned int seed)
+{
+    std::mt19937 random(seed);
+    std::vector<Record> records = recordsOf(data1, size1);
+    std::vector<Record> others = recordsOf(data2, size2);
+    if (random() % 4 == 0) {
+        const auto isSecond = [](const Record& record) { return record.type >= 2; };
+        records.erase(std::remove_if(records.begin(), records.end(), isSecond), records.end());
+        others.erase(std::remove_if(others.begin(), others.end(), std::not_fn(isSecond)), others.end());
+    } else {
+        records.resize(records.empty() ? 0 : random() % records.size());
+        if (!others.empty())
+            others.erase(
+                others.begin(), others.begin() + static_cast<std::ptrdiff_t>(random() % others.size()));
+    }
+    records.insert(records.end(), others.begin(), others.end());
+    return write(records, out, maxOutSize);
 }

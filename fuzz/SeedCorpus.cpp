@@ -6,28 +6,37 @@
 #include <cli/Downloads.h>
 #include <scard/SCardReader.h>
 #include <simulator/Card.h>
+#include <simulator/DriverCard.h>
+#include <simulator/TestPkiG2.h>
 #include <support/FileRecords.h>
 
 #include <QDir>
 #include <QFile>
 
 #include <cstdio>
+#include <set>
 
 namespace {
 
 constexpr unsigned int activitiesFid = 0x0504;
 constexpr unsigned int identificationFid = 0x0520;
+constexpr unsigned int certificateFids[] = {0xC100, 0xC101, 0xC108, 0xC109};
 
 using Bytes = std::vector<std::uint8_t>;
 
 class Folder
 {
   public:
-    explicit Folder(const QString& path) : m_path(path) { QDir().mkpath(path); }
+    /// @param prefix of the files' names, so that two may write to the same folder
+    explicit Folder(const QString& path, const QString& prefix = {})
+        : m_names(path + QLatin1Char('/') + prefix + QStringLiteral("%1"))
+    {
+        QDir().mkpath(path);
+    }
 
     void add(const QByteArray& bytes)
     {
-        QFile file(m_path + QStringLiteral("/%1").arg(m_count++, 3, 10, QLatin1Char('0')));
+        QFile file(m_names.arg(m_count++, 3, 10, QLatin1Char('0')));
         fuzz::expect(
             file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush(),
             "the inputs can be written");
@@ -39,7 +48,7 @@ class Folder
     }
 
   private:
-    QString m_path;
+    QString m_names;
     int m_count = 0;
 };
 
@@ -85,15 +94,72 @@ void writeSeeds(const QString& root, const std::vector<test::CardFile>& download
     Folder card(root + QStringLiteral("/card"));
     Folder activity(root + QStringLiteral("/activity"));
     Folder text(root + QStringLiteral("/text"));
+    Folder verify(root + QStringLiteral("/verify"));
     for (const test::CardFile& download : downloads) {
         image.add(download.file);
         show.add(download.file);
+        verify.add(download.file);
         for (const auto region : {scard::RegionDDD, scard::RegionC1B, scard::RegionTGD})
             card.add(scriptOf(download.card, region));
         for (const QByteArray& payload : payloadsOf(download.file, activitiesFid))
             activity.add(withAnnouncedLength(payload));
         for (const QByteArray& payload : payloadsOf(download.file, identificationFid))
             text.add(payload);
+    }
+}
+
+/// A driver card with few records.
+sim::DriverParametersG2 fewRecords()
+{
+    sim::DriverParametersG2 parameters;
+    parameters.first.eventsPerType = 1;
+    parameters.first.faultsPerType = 1;
+    parameters.first.activityLength = 600;
+    parameters.first.vehicles = 2;
+    parameters.first.places = 2;
+    parameters.eventsPerType = 1;
+    parameters.faultsPerType = 1;
+    parameters.activityLength = 600;
+    parameters.vehicles = 2;
+    parameters.places = 2;
+    parameters.gnssPlaces = 2;
+    parameters.specificConditions = 2;
+    parameters.vehicleUnits = 2;
+    return parameters;
+}
+
+/// What only those who check signatures tell apart: certificates and root keys.
+void writeKeySeeds(const QString& root)
+{
+    Folder verify(root + QStringLiteral("/verify"), QStringLiteral("key"));
+    std::set<QByteArray> certificates;
+    for (const test::CardFile& download : test::smallDownloads()) {
+        for (const unsigned int fid : certificateFids) {
+            for (const QByteArray& payload : payloadsOf(download.file, fid))
+                certificates.insert(payload);
+        }
+    }
+    for (const QByteArray& certificate : certificates)
+        verify.add(certificate);
+    verify.add(sim::rootKeyG1());
+    for (const sim::CurveDescription& each : sim::curves()) {
+        verify.add(sim::rootCertificateG2(each.curve));
+        verify.add(sim::previousRootCertificateG2(each.curve));
+    }
+    sim::DriverParametersG2 padded = fewRecords();
+    padded.certificateFiles = sim::CertificateFiles::Padded;
+    padded.linkCertificate = sim::CertificateFiles::Empty;
+    verify.add(test::driverFileG2(padded));
+}
+
+/// Cards with other curves, whose signatures take too long to search with.
+void writeCurveSeeds(const QString& root)
+{
+    Folder verify(root + QStringLiteral("/verify"), QStringLiteral("curve"));
+    for (const sim::Curve curve : {sim::Curve::BrainpoolP256r1, sim::Curve::NistP384}) {
+        sim::DriverParametersG2 parameters = fewRecords();
+        parameters.curve = curve;
+        verify.add(test::driverFileG2(parameters));
     }
 }
 
@@ -108,7 +174,9 @@ int main(int argc, char** argv)
     fuzz::discardDebugStream();
     const QString root = QFile::decodeName(argv[1]);
     writeSeeds(root, test::smallDownloads());
+    writeKeySeeds(root);
     // Too large to search with: they are replayed.
     writeSeeds(root + QStringLiteral("/full"), test::realDownloads());
+    writeCurveSeeds(root + QStringLiteral("/full"));
     return 0;
 }
