@@ -19,11 +19,13 @@ namespace {
 thread_local std::size_t allocationCount = 0;
 thread_local std::int64_t liveBytes = 0;
 thread_local std::int64_t peakBytes = 0;
+thread_local std::size_t totalBytes = 0;
 
 void* counted(void* memory)
 {
     if (memory) {
         ++allocationCount;
+        totalBytes += malloc_usable_size(memory);
         liveBytes += static_cast<std::int64_t>(malloc_usable_size(memory));
         peakBytes = std::max(peakBytes, liveBytes);
     }
@@ -70,11 +72,12 @@ void Allocations::start()
     allocationCount = 0;
     liveBytes = 0;
     peakBytes = 0;
+    totalBytes = 0;
 }
 
 Allocations Allocations::taken()
 {
-    return {allocationCount, static_cast<std::size_t>(peakBytes)};
+    return {allocationCount, static_cast<std::size_t>(peakBytes), totalBytes};
 }
 
 } // namespace bench
