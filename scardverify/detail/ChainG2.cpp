@@ -54,7 +54,7 @@ class ChainG2 : private ChainBuilder
 Chain ChainG2::check()
 {
     read(m_memberState);
-    // Not every program downloads it: nothing but the card's own sessions hangs on it.
+    // Not every program downloads it: no signature in a download hangs on it.
     if (isThere(m_card))
         read(m_card);
     if (m_request.expected.isSigned())
