@@ -24,7 +24,7 @@ needed=$(objdump -p "$1" | awk '$1 == "NEEDED" { print $2 }')
 echo "$needed" | grep -qx libcrypto.so.3 || { echo "does not link OpenSSL: is this the library?"; status=1; }
 for library in $needed; do
     case $library in
-    libscard.so.1 | libQt5Core.so.5 | libcrypto.so.3) ;;
+    libscard.so.1 | libaux.so.1 | libQt5Core.so.5 | libcrypto.so.3) ;; # libaux comes with libscard
     libstdc++.so.6 | libgcc_s.so.1 | libc.so.6 | libm.so.6 | ld-linux*.so.*) ;;
     libasan.so.* | libubsan.so.*) ;;
     *) echo "links $library"; status=1 ;;
