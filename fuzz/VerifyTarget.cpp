@@ -9,6 +9,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <cstddef>
 
 namespace {
 
@@ -234,7 +235,7 @@ void expectVouched(const VerificationReport& report, const QByteArray& image)
         return;
     fuzz::expect(vouched.cards.size() == 1, "a genuine download is that of one card");
     for (const UncoveredPart& each : report.uncovered)
-        std::fill_n(vouched.bytes.begin() + each.offset, each.length, true);
+        std::fill_n(vouched.bytes.begin() + static_cast<std::ptrdiff_t>(each.offset), each.length, true);
     fuzz::expect(
         std::find(vouched.bytes.begin(), vouched.bytes.end(), false) == vouched.bytes.end(),
         "each byte of a genuine download is vouched for, or told to be uncovered");

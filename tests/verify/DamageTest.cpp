@@ -388,7 +388,7 @@ TEST(DamageTest, TellsAFileThatIsCut)
     const QByteArray file = smallDownload("driverV2").file;
     const int second = recordOf(file, 0x0002, dataG2).offset;
     for (const FileRecord& record : recordsOf(file)) {
-        SCOPED_TRACE(testing::Message() << std::hex << record.fid << " of type " << record.type);
+        SCOPED_TRACE(testing::Message() << record.fid << " of type " << record.type);
         const int last = record.end() - 1;
         const VerificationReport inside = verifyImage(file.left(last), allRoots());
         EXPECT_EQ(inside.verdict, Verdict::Unproven);

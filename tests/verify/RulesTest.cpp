@@ -37,7 +37,7 @@ TEST(RulesTest, MissesEachEfThatEveryCardOfTheKindHas)
             if (!isSignedData || optional.count(record.fid) != 0 || record.fid == 0x0501)
                 continue;
             const bool isFirst = record.type == dataG1;
-            SCOPED_TRACE(testing::Message() << card << ' ' << std::hex << record.fid);
+            SCOPED_TRACE(testing::Message() << card << ' ' << record.fid);
             const QString name = scard::efName(static_cast<unsigned short>(record.fid), !isFirst);
             Image rest = image;
             expectTold(
@@ -149,7 +149,7 @@ TEST(RulesTest, TakesEfsThatAreReadWithKeysOnly)
         {"driverV2", 0x0540, dataG2},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message() << row.card << ' ' << std::hex << row.fid);
+        SCOPED_TRACE(testing::Message() << row.card << ' ' << row.fid);
         Image image(smallDownload(row.card).file);
         image.append({row.fid, row.type, "abc"});
         expectTold(image, Verdict::Genuine, {});

@@ -209,7 +209,7 @@ TEST(FileLengthsTest, AreKnownOfEachEfThatTheCardSigns)
         for (const FileRule& rule : fileRules(row.expected)) {
             if (rule.protection == Protection::Signature ||
                 rule.protection == Protection::OptionalSignature) {
-                EXPECT_EQ(lengths.count(rule.fid), 1U) << std::hex << rule.fid;
+                EXPECT_EQ(lengths.count(rule.fid), 1U) << rule.fid;
             }
         }
     }

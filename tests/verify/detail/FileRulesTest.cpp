@@ -167,7 +167,7 @@ TEST(FileRulesTest, HasOneRuleForEachEf)
                 for (const FileRule& rule : fileRules({generation, card, isVersion2}))
                     ++counts[rule.fid];
                 for (const auto& [fid, count] : counts)
-                    EXPECT_EQ(count, 1) << std::hex << fid << " of card " << card;
+                    EXPECT_EQ(count, 1) << fid << " of card " << card;
             }
         }
     }
