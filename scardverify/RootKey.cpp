@@ -33,7 +33,7 @@ RootKeyResult readSecond(const QByteArray& bytes, const detail::CertificateG2& c
                 .arg(keyIdentifierText(certificate.holder), keyIdentifierText(certificate.issuer)));
     if (certificate.authorisation != rootAuthorisation)
         return noKey(QStringLiteral("it is the certificate of something else than a root"));
-    if (certificate.profile != 0 || certificate.curve == nullptr)
+    if (!certificate.isKnown())
         return noKey(QStringLiteral("its profile or its curve is not known here"));
     if (!detail::EcPublicKey::isAvailable(*certificate.curve))
         return noKey(QStringLiteral("this machine has not got its curve, %1")

@@ -25,6 +25,9 @@ struct CertificateG2
     QByteArray signedPart;
     QByteArray signature;
 
+    /// False for a profile or a curve that is not known here.
+    bool isKnown() const { return profile == 0 && curve != nullptr; }
+
     /// The key that it tells, made when it is first asked for; null when the curve is not known or the point
     /// is not on it.
     const std::shared_ptr<const EcPublicKey>& key() const;

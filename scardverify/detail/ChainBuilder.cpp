@@ -55,21 +55,44 @@ const DataRecord* ChainBuilder::find(const CertificateReport& report)
     const DataRecord* record = m_request.application.find(report.fid);
     if (record != nullptr && !isBlank(record->payload))
         return record;
-    m_findings.add(
-        FindingCode::CertificateMissing,
+    tell(
+        report, FindingCode::CertificateMissing,
         (record == nullptr ? QStringLiteral("%1 is not in the file.")
                            : QStringLiteral("%1 holds no certificate."))
-            .arg(nameOf(report)),
-        report.fid, record == nullptr ? -1 : record->offset);
+            .arg(nameOf(report)));
     return nullptr;
+}
+
+void ChainBuilder::tell(const CertificateReport& report, FindingCode code, const QString& text)
+{
+    const DataRecord* record = m_request.application.find(report.fid);
+    m_findings.add(code, text, report.fid, record == nullptr ? -1 : record->offset);
 }
 
 void ChainBuilder::fail(CertificateReport& report, FindingCode code, const QString& text)
 {
     report.verdict = CertificateVerdict::Invalid;
     m_chain.covered.erase(report.fid);
-    const DataRecord* record = m_request.application.find(report.fid);
-    m_findings.add(code, text.arg(nameOf(report)), report.fid, record == nullptr ? -1 : record->offset);
+    tell(report, code, text);
+}
+
+void ChainBuilder::failSignature(CertificateReport& report)
+{
+    const bool isOfCard = report.role == CertificateRole::Card || report.role == CertificateRole::CardSign;
+    fail(
+        report, FindingCode::CertificateInvalid,
+        QStringLiteral("%1 was changed, or was not signed with the %2.")
+            .arg(
+                nameOf(report), isOfCard ? QStringLiteral("key in EF_CA_Certificate")
+                                         : QStringLiteral("root key that it names")));
+}
+
+void ChainBuilder::failIssuer(CertificateReport& report, const QByteArray& memberState)
+{
+    fail(
+        report, FindingCode::CertificateOfAnotherIssuer,
+        QStringLiteral("%1 was issued by %2, EF_CA_Certificate is that of %3.")
+            .arg(nameOf(report), keyIdentifierText(report.issuer), keyIdentifierText(memberState)));
 }
 
 void ChainBuilder::accept(CertificateReport& report, const DataRecord& record, int length)
@@ -78,12 +101,11 @@ void ChainBuilder::accept(CertificateReport& report, const DataRecord& record, i
     const int padding = record.payload.size() - length;
     m_chain.covered[record.fid] = {{length, padding}};
     if (padding > 0)
-        m_findings.add(
-            FindingCode::CertificatePadded,
+        tell(
+            report, FindingCode::CertificatePadded,
             QStringLiteral("%1 holds %2 bytes behind its certificate, which nothing vouches for.")
                 .arg(nameOf(report))
-                .arg(padding),
-            record.fid, record.offset);
+                .arg(padding));
     checkDates(report);
 }
 
@@ -95,11 +117,10 @@ void ChainBuilder::checkUse(const CertificateReport& report, const std::vector<i
         return;
     const QString made =
         isOfApplication ? useText(type, generation()) : QStringLiteral("another application");
-    m_findings.add(
-        FindingCode::CertificateForAnotherUse,
+    tell(
+        report, FindingCode::CertificateForAnotherUse,
         QStringLiteral("%1 holds a certificate for %2, not for %3.")
-            .arg(nameOf(report), made, useText(types.front(), generation())),
-        report.fid, m_request.application.find(report.fid)->offset);
+            .arg(nameOf(report), made, useText(types.front(), generation())));
 }
 
 std::vector<int> ChainBuilder::cardTypes() const
@@ -115,10 +136,7 @@ void ChainBuilder::checkDates(const CertificateReport& report)
     if (!downloaded.isValid())
         return;
     const auto warn = [&](FindingCode code, const QString& text, const QDateTime& limit) {
-        const DataRecord* record = m_request.application.find(report.fid);
-        m_findings.add(
-            code, text.arg(nameOf(report), dayText(limit), dayText(downloaded)), report.fid,
-            record == nullptr ? -1 : record->offset);
+        tell(report, code, text.arg(nameOf(report), dayText(limit), dayText(downloaded)));
     };
     if (report.validUntil.isValid() && report.validUntil < downloaded)
         warn(

@@ -23,8 +23,17 @@ class ChainBuilder
     /// The EF of @p report. When it is missing or blank: null, and a finding.
     const DataRecord* find(const CertificateReport& report);
 
-    /// The certificate of @p report does not hold. @param text with %1 for the name of its EF
+    /// Finds something about the certificate of @p report.
+    void tell(const CertificateReport& report, FindingCode code, const QString& text);
+
+    /// The same, and the certificate does not hold.
     void fail(CertificateReport& report, FindingCode code, const QString& text);
+
+    /// Its signature is not that of who should have issued it.
+    void failSignature(CertificateReport& report);
+
+    /// The authority with the key identifier @p memberState did not issue it.
+    void failIssuer(CertificateReport& report, const QByteArray& memberState);
 
     /// The certificate of @p report, the first @p length bytes of @p record, was signed by its issuer.
     void accept(CertificateReport& report, const DataRecord& record, int length);

@@ -53,13 +53,14 @@ const DataRecord* ChainG1::findShaped(CertificateReport& report)
     if (parseCertificateG2(record->payload)) {
         fail(
             report, FindingCode::CertificateOfGeneration,
-            QStringLiteral("%1 holds a certificate of the second generation among records of the first."));
+            QStringLiteral("%1 holds a certificate of the second generation among records of the first.")
+                .arg(nameOf(report)));
         return nullptr;
     }
     if (record->payload.size() < CertificateG1::length) {
         fail(
             report, FindingCode::CertificateUnreadable,
-            QStringLiteral("%1 is too short for a certificate, which has 194 bytes."));
+            QStringLiteral("%1 is too short for a certificate, which has 194 bytes.").arg(nameOf(report)));
         return nullptr;
     }
     report.verdict = CertificateVerdict::NotChecked;
@@ -83,7 +84,7 @@ void ChainG1::openMemberState()
         fail(
             m_memberState, FindingCode::CertificateForAnotherUse,
             QStringLiteral("%1 was not issued by a root, but by %2.")
-                .arg(QStringLiteral("%1"), keyIdentifierText(m_memberState.issuer)));
+                .arg(nameOf(m_memberState), keyIdentifierText(m_memberState.issuer)));
         return;
     }
     m_root.verdict = CertificateVerdict::NotChecked;
@@ -119,15 +120,14 @@ void ChainG1::takeMemberState(const Root& root, const DataRecord& record)
     m_root = reportOf(*root.trusted);
     const OpenedG1& opened = root.opened;
     if (opened.check == Check::Fails)
-        fail(
-            m_memberState, FindingCode::CertificateInvalid,
-            QStringLiteral("%1 was changed, or was not signed with the root key that it names."));
+        failSignature(m_memberState);
     if (!take(m_memberState, record, opened))
         return;
     if (opened.content.issuer != root.trusted->root.keyIdentifier)
         fail(
             m_memberState, FindingCode::CertificateInvalid,
-            QStringLiteral("%1 names another root key than the one that it was signed with."));
+            QStringLiteral("%1 names another root key than the one that it was signed with.")
+                .arg(nameOf(m_memberState)));
     checkUse(m_memberState, {0});
     m_memberStateKey = opened.content.key;
 }
@@ -138,19 +138,11 @@ void ChainG1::openCard()
     if (record == nullptr || !m_memberStateKey)
         return;
     const OpenedG1 opened = openCertificateG1(record->payload, *m_memberStateKey);
-    const bool isOfAnother = m_card.issuer != m_memberState.holder;
-    if (opened.check == Check::Fails && !isOfAnother)
-        fail(
-            m_card, FindingCode::CertificateInvalid,
-            QStringLiteral("%1 was changed, or was not signed with the key in EF_CA_Certificate."));
+    if (opened.check == Check::Fails && m_card.issuer == m_memberState.holder)
+        failSignature(m_card);
     const bool isTaken = take(m_card, *record, opened);
     if (m_card.issuer != m_memberState.holder)
-        fail(
-            m_card, FindingCode::CertificateOfAnotherIssuer,
-            QStringLiteral("%1 was issued by %2, EF_CA_Certificate is that of %3.")
-                .arg(
-                    QStringLiteral("%1"), keyIdentifierText(m_card.issuer),
-                    keyIdentifierText(m_memberState.holder)));
+        failIssuer(m_card, m_memberState.holder);
     if (!isTaken)
         return;
     checkUse(m_card, cardTypes());
@@ -165,11 +157,10 @@ bool ChainG1::take(CertificateReport& report, const DataRecord& record, const Op
     constexpr int knownProfile = 1;
     const CertificateG1& content = opened.content;
     if (opened.check == Check::Unsupported)
-        m_findings.add(
-            FindingCode::CertificateUnsupported,
+        tell(
+            report, FindingCode::CertificateUnsupported,
             QStringLiteral("%1: this machine cannot open certificates of RSA-1024 with SHA-1.")
-                .arg(nameOf(report)),
-            report.fid, record.offset);
+                .arg(nameOf(report)));
     if (opened.check != Check::Holds)
         return false;
     report.issuer = content.issuer;
@@ -180,14 +171,14 @@ bool ChainG1::take(CertificateReport& report, const DataRecord& record, const Op
     if (content.issuer != issuerBehind(record.payload))
         fail(
             report, FindingCode::CertificateInvalid,
-            QStringLiteral("%1 names another issuer at its end than the one that signed it."));
+            QStringLiteral("%1 names another issuer at its end than the one that signed it.")
+                .arg(nameOf(report)));
     if (content.key)
         report.algorithm = content.key->algorithm();
     if (!content.key || content.profile != knownProfile)
-        m_findings.add(
-            FindingCode::CertificateUnsupported,
-            QStringLiteral("%1 has a profile or a key that is not known here.").arg(nameOf(report)),
-            report.fid, record.offset);
+        tell(
+            report, FindingCode::CertificateUnsupported,
+            QStringLiteral("%1 has a profile or a key that is not known here.").arg(nameOf(report)));
     return true;
 }
 

@@ -36,8 +36,8 @@ class ChainG2 : private ChainBuilder
   private:
     bool isThere(const Link& link) const;
     void read(Link& link);
-    void checkSignature(
-        Link& link, const CertificateG2& issuer, const QString& otherIssuer, const QString& invalid);
+    void keyIsNone(Link& link);
+    void checkSignature(Link& link, const CertificateG2& issuer);
     void checkLink();
     void checkMemberState();
     void checkOfMemberState(Link& link, const std::vector<int>& types);
@@ -98,12 +98,12 @@ void ChainG2::read(Link& link)
         const bool isG1 = link.record->payload.size() == CertificateG1::length;
         fail(
             link.report, isG1 ? FindingCode::CertificateOfGeneration : FindingCode::CertificateUnreadable,
-            isG1 ? QStringLiteral(
-                       "%1 holds a certificate of the first generation among records of the second.")
-                 : QStringLiteral("%1 holds nothing that can be read as a certificate."));
+            (isG1 ? QStringLiteral(
+                        "%1 holds a certificate of the first generation among records of the second.")
+                  : QStringLiteral("%1 holds nothing that can be read as a certificate."))
+                .arg(nameOf(link.report)));
         return;
     }
-    constexpr int knownProfile = 0;
     const CertificateG2& certificate = *link.certificate;
     link.report.verdict = CertificateVerdict::NotChecked;
     link.report.holder = certificate.holder;
@@ -113,35 +113,31 @@ void ChainG2::read(Link& link)
     link.report.validUntil = certificate.validUntil;
     if (certificate.curve != nullptr)
         link.report.algorithm = QString::fromLatin1(certificate.curve->name);
-    if (certificate.curve == nullptr || certificate.profile != knownProfile)
-        m_findings.add(
-            FindingCode::CertificateUnsupported,
-            QStringLiteral("%1 has a profile or a curve that is not known here.").arg(nameOf(link.report)),
-            link.report.fid, link.record->offset);
-    else if (
-        link.isKeyNeeded && certificate.key() == nullptr && !EcPublicKey::isAvailable(*certificate.curve))
-        m_findings.add(
-            FindingCode::CertificateUnsupported,
-            QStringLiteral("%1: this machine has not got the curve %2.")
-                .arg(nameOf(link.report), link.report.algorithm),
-            link.report.fid, link.record->offset);
+    if (!certificate.isKnown())
+        tell(
+            link.report, FindingCode::CertificateUnsupported,
+            QStringLiteral("%1 has a profile or a curve that is not known here.").arg(nameOf(link.report)));
     else if (link.isKeyNeeded && certificate.key() == nullptr)
-        fail(link.report, FindingCode::CertificateUnreadable, QStringLiteral("%1 tells a key that is none."));
+        keyIsNone(link);
+}
+
+void ChainG2::keyIsNone(Link& link)
+{
+    if (EcPublicKey::isAvailable(*link.certificate->curve))
+        fail(
+            link.report, FindingCode::CertificateUnreadable,
+            QStringLiteral("%1 tells a key that is none.").arg(nameOf(link.report)));
+    else
+        tell(
+            link.report, FindingCode::CertificateUnsupported,
+            QStringLiteral("%1: this machine has not got the curve %2.")
+                .arg(nameOf(link.report), link.report.algorithm));
 }
 
 /// Checks the signature of a certificate with the key of its issuer.
-void ChainG2::checkSignature(
-    Link& link, const CertificateG2& issuer, const QString& otherIssuer, const QString& invalid)
+void ChainG2::checkSignature(Link& link, const CertificateG2& issuer)
 {
     const CertificateG2& certificate = *link.certificate;
-    if (certificate.issuer != issuer.holder) {
-        fail(
-            link.report, FindingCode::CertificateOfAnotherIssuer,
-            otherIssuer.arg(
-                QStringLiteral("%1"), keyIdentifierText(certificate.issuer),
-                keyIdentifierText(issuer.holder)));
-        return;
-    }
     if (issuer.key() == nullptr || link.report.verdict == CertificateVerdict::Invalid)
         return;
     switch (issuer.key()->check(certificate.signedPart, certificate.signature)) {
@@ -149,14 +145,13 @@ void ChainG2::checkSignature(
         accept(link.report, *link.record, certificate.length);
         break;
     case Check::Fails:
-        fail(link.report, FindingCode::CertificateInvalid, invalid);
+        failSignature(link.report);
         break;
     case Check::Unsupported:
-        m_findings.add(
-            FindingCode::CertificateUnsupported,
+        tell(
+            link.report, FindingCode::CertificateUnsupported,
             QStringLiteral("%1: this machine cannot check %2.")
-                .arg(nameOf(link.report), issuer.key()->algorithm()),
-            link.report.fid, link.record->offset);
+                .arg(nameOf(link.report), issuer.key()->algorithm()));
         break;
     }
 }
@@ -173,9 +168,7 @@ void ChainG2::checkLink()
     checkUse(m_link.report, {rootType});
     const TrustedRoot* before = rootOf(*m_link.certificate);
     if (before != nullptr) {
-        checkSignature(
-            m_link, *before->certificate, QString(),
-            QStringLiteral("%1 was changed, or was not signed with the root key that it names."));
+        checkSignature(m_link, *before->certificate);
         // With another name there it would be the link from another root, and would not be checked.
         if (m_link.isValid())
             m_chain.covered[m_link.report.fid].push_back(
@@ -193,14 +186,14 @@ void ChainG2::checkLink()
         std::none_of(roots.begin(), roots.end(), isSameKey)) {
         fail(
             m_link.report, FindingCode::CertificateInvalid,
-            QStringLiteral("%1 tells another key of the root than the one that was given."));
+            QStringLiteral("%1 tells another key of the root than the one that was given.")
+                .arg(nameOf(m_link.report)));
         return;
     }
-    m_findings.add(
-        FindingCode::LinkCertificateNotChecked,
+    tell(
+        m_link.report, FindingCode::LinkCertificateNotChecked,
         QStringLiteral("%1 was not checked: the root key before, %2, was not given.")
-            .arg(nameOf(m_link.report), keyIdentifierText(m_link.certificate->issuer)),
-        m_link.report.fid, m_link.record->offset);
+            .arg(nameOf(m_link.report), keyIdentifierText(m_link.certificate->issuer)));
 }
 
 /// The root key that a certificate was signed with. If none was, the one that it names.
@@ -235,9 +228,7 @@ void ChainG2::checkMemberState()
     }
     m_root = reportOf(root != nullptr ? *root : *rootOf(*m_link.certificate));
     checkDates(m_root);
-    checkSignature(
-        m_memberState, root != nullptr ? *root->certificate : *m_link.certificate, QString(),
-        QStringLiteral("%1 was changed, or was not signed with the root key that it names."));
+    checkSignature(m_memberState, root != nullptr ? *root->certificate : *m_link.certificate);
 }
 
 void ChainG2::rootIsUnknown()
@@ -264,19 +255,19 @@ void ChainG2::checkOfMemberState(Link& link, const std::vector<int>& types)
         return;
     checkUse(link.report, types);
     if (!m_chain.card.isEmpty() && m_chain.card != link.certificate->holder)
-        m_findings.add(
-            FindingCode::CertificateOfAnotherCard,
+        tell(
+            link.report, FindingCode::CertificateOfAnotherCard,
             QStringLiteral("%1 is of the card %2, EF_MA_Certificate is of the card %3.")
                 .arg(
                     nameOf(link.report), keyIdentifierText(link.certificate->holder),
-                    keyIdentifierText(m_chain.card)),
-            link.report.fid, link.record->offset);
+                    keyIdentifierText(m_chain.card)));
     m_chain.card = link.certificate->holder;
-    if (m_memberState.certificate)
-        checkSignature(
-            link, *m_memberState.certificate,
-            QStringLiteral("%1 was issued by %2, EF_CA_Certificate is that of %3."),
-            QStringLiteral("%1 was changed, or was not signed with the key in EF_CA_Certificate."));
+    if (!m_memberState.certificate)
+        return;
+    if (link.certificate->issuer != m_memberState.certificate->holder)
+        failIssuer(link.report, m_memberState.certificate->holder);
+    else
+        checkSignature(link, *m_memberState.certificate);
 }
 
 } // namespace

@@ -5,6 +5,9 @@
 #include <scard/records/Fid.h>
 #include <scard/SCardMeta.h>
 
+#include <algorithm>
+#include <iterator>
+
 namespace scard::verify::detail {
 
 namespace {
@@ -100,6 +103,14 @@ unsigned cardsOf(int cardType)
 bool Expected::isSigned() const
 {
     return generation == Generation::First || (cardsOf(cardType) & onTheRoad) != 0;
+}
+
+bool isOfChip(unsigned short fid)
+{
+    return std::any_of(std::begin(rows), std::end(rows), [fid](const Row& row) {
+        return row.fid == fid && row.protection == Protection::None && row.cards == allCards &&
+               row.applications == inBoth;
+    });
 }
 
 std::vector<FileRule> fileRules(const Expected& expected)

@@ -34,6 +34,9 @@ struct Expected
     bool isSigned() const;
 };
 
+/// True for the chip's EFs, which every card has outside both applications.
+bool isOfChip(unsigned short fid);
+
 /// The EFs that such an application has. When the type of the card is not known, those of all cards, none of
 /// them required.
 std::vector<FileRule> fileRules(const Expected& expected);

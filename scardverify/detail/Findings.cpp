@@ -73,13 +73,17 @@ Verdict Findings::verdict() const
     return Verdict::Altered;
 }
 
+QString hexadecimal(unsigned number, int digits)
+{
+    return QString::number(number, 16).toUpper().rightJustified(digits, QLatin1Char('0'));
+}
+
 QString efText(unsigned short fid, Generation generation)
 {
     QString name = scard::efName(fid, generation == Generation::Second);
     if (!name.isEmpty())
         return name;
-    return QStringLiteral("EF %1").arg(
-        QString::number(fid, 16).toUpper().rightJustified(4, QLatin1Char('0')));
+    return QStringLiteral("EF ") + hexadecimal(fid, 4);
 }
 
 QString generationText(Generation generation)

@@ -26,6 +26,9 @@ class Findings
 /// How much a finding weighs.
 Severity severityOf(FindingCode code);
 
+/// "0599"
+QString hexadecimal(unsigned number, int digits);
+
 /// "EF_Places"; "EF 0599" for one that no card has.
 QString efText(unsigned short fid, Generation generation);
 

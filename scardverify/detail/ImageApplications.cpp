@@ -1,7 +1,7 @@
 #include "ImageApplications.h"
 
 #include "CertificateG2.h"
-#include "OtherFids.h"
+#include "FileRules.h"
 
 #include <scard/records/Fid.h>
 #include <scard/records/ImageRecord.h>
@@ -25,6 +25,7 @@ class Sorter
     ImageApplications result(std::size_t end);
 
   private:
+    void passOver(const RecordPlace& place, FindingCode code, const QString& text);
     void takeData(std::vector<ImageApplication>& parts, Generation generation, const DataRecord& record);
     void takeSignature(std::vector<ImageApplication>& parts, Generation generation, const DataRecord& record);
 
@@ -49,17 +50,12 @@ void Sorter::take(const RecordPlace& place)
         QByteArray::fromRawData(m_image.constData() + place.begin(), static_cast<int>(place.available));
     const DataRecord record{static_cast<long long>(place.offset), place.header.fid, payload, {}, -1};
     if (!place.isWhole()) {
-        m_result.findings.add(
-            FindingCode::FileCut,
+        passOver(
+            place, FindingCode::FileCut,
             QStringLiteral("The file ends inside a record of %1: %2 of %3 bytes are there.")
                 .arg(efText(place.header.fid, generationOf(place.header.type)))
                 .arg(place.available)
-                .arg(place.header.length),
-            place.header.fid, record.offset);
-        m_last = nullptr;
-        m_result.uncovered.push_back(
-            {record.offset, static_cast<long long>(recordHeaderLength + place.available), record.fid,
-             generationOf(place.header.type)});
+                .arg(place.header.length));
         return;
     }
     switch (place.header.type) {
@@ -76,18 +72,23 @@ void Sorter::take(const RecordPlace& place)
         takeSignature(m_second, Generation::Second, record);
         return;
     }
-    m_last = nullptr;
-    const auto type = static_cast<unsigned>(place.header.type);
-    m_result.findings.add(
-        FindingCode::UnknownRecordType,
+    passOver(
+        place, FindingCode::UnknownRecordType,
         QStringLiteral("A record of %1 has the type %2, which stands for nothing.")
             .arg(
                 efText(record.fid, Generation::First),
-                QString::number(type, 16).toUpper().rightJustified(2, QLatin1Char('0'))),
-        record.fid, record.offset);
+                hexadecimal(static_cast<unsigned>(place.header.type), 2)));
+}
+
+/// A record that belongs to no application.
+void Sorter::passOver(const RecordPlace& place, FindingCode code, const QString& text)
+{
+    const auto offset = static_cast<long long>(place.offset);
+    m_last = nullptr;
+    m_result.findings.add(code, text, place.header.fid, offset);
     m_result.uncovered.push_back(
-        {record.offset, static_cast<long long>(recordHeaderLength + place.available), record.fid,
-         Generation::First});
+        {offset, static_cast<long long>(recordHeaderLength + place.available), place.header.fid,
+         generationOf(place.header.type)});
 }
 
 void Sorter::takeData(std::vector<ImageApplication>& parts, Generation generation, const DataRecord& record)
@@ -131,10 +132,7 @@ bool isSecondOfCompany(const ImageApplication& part)
 /// True when nothing of an application is there but the EFs outside both.
 bool isChipAlone(const ImageApplication& application)
 {
-    const auto isOutside = [](const DataRecord& record) {
-        return record.fid == fidIcc || record.fid == fidIc || record.fid == fidExtendedLength ||
-               record.fid == fidDir || record.fid == fidAtrInfo;
-    };
+    const auto isOutside = [](const DataRecord& record) { return isOfChip(record.fid); };
     return application.looseSignatures.empty() &&
            std::all_of(application.records.begin(), application.records.end(), isOutside);
 }
