@@ -45,9 +45,14 @@ QString ImageFile::sha256() const
     return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
 }
 
+QString paddedHexadecimal(unsigned int number, int digits)
+{
+    return QString::number(number, 16).toUpper().rightJustified(digits, QLatin1Char('0'));
+}
+
 QString fidText(unsigned short fid)
 {
-    return QString::number(fid, 16).toUpper().rightJustified(4, QLatin1Char('0'));
+    return paddedHexadecimal(fid, 4);
 }
 
 ImageFile imageFileOf(const QByteArray& bytes)

@@ -27,7 +27,10 @@ struct ImageRecord
     QString efName() const;
 };
 
-/// The number of an EF as people write it: "050E".
+/// A number in as many digits as it is written with: "050E".
+QString paddedHexadecimal(unsigned int number, int digits);
+
+/// The number of an EF as people write it.
 QString fidText(unsigned short fid);
 
 struct ImageFile

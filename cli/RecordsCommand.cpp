@@ -11,10 +11,8 @@ namespace {
 QString typeText(const ImageRecord& record)
 {
     if (!record.hasKnownType())
-        return QStringLiteral("unknown type ") +
-               QString::number(static_cast<unsigned int>(record.header.type), 16)
-                   .toUpper()
-                   .rightJustified(2, QLatin1Char('0'));
+        return QStringLiteral("unknown type %1")
+            .arg(paddedHexadecimal(static_cast<unsigned int>(record.header.type), 2));
     return QStringLiteral("%1, generation %2")
         .arg(record.isSignature() ? QStringLiteral("signature") : QStringLiteral("data"))
         .arg(record.isSecondGeneration() ? 2 : 1);

@@ -1,6 +1,7 @@
 #include "Arguments.h"
 #include "Commands.h"
 #include "Console.h"
+#include "ImageFile.h"
 #include "ReadFile.h"
 #include "verify/RootKeys.h"
 #include "verify/VerificationJson.h"
@@ -12,15 +13,15 @@
 
 namespace {
 
-void write(const std::vector<Verification>& verifications, bool asJson)
+void write(const std::vector<VerifiedFile>& files, bool asJson)
 {
     if (asJson) {
         out().setCodec("UTF-8");
-        out() << QJsonDocument(verificationsJson(verifications)).toJson(QJsonDocument::Compact) << '\n';
+        out() << QJsonDocument(verificationsJson(files)).toJson(QJsonDocument::Compact) << '\n';
         return;
     }
-    for (const Verification& each : verifications) {
-        if (&each != &verifications.front())
+    for (const VerifiedFile& each : files) {
+        if (&each != &files.front())
             out() << '\n';
         writeVerification(out(), each);
     }
@@ -47,7 +48,7 @@ ExitCode runVerify(const QStringList& arguments)
         return *end;
 
     ExitCode code = exitDone;
-    std::vector<Verification> verifications;
+    std::vector<VerifiedFile> files;
     std::vector<FileBytes> unreadable;
     for (const QString& path : options.positional()) {
         const FileBytes input = readFile(path);
@@ -56,11 +57,13 @@ ExitCode runVerify(const QStringList& arguments)
             unreadable.push_back(input);
             continue;
         }
-        verifications.push_back(verificationOf(path, input.bytes, roots));
-        const scard::verify::VerificationReport& report = verifications.back().report;
+        files.push_back(
+            {path, input.bytes.size(), imageFileOf(input.bytes).sha256(),
+             verificationOf(path, input.bytes, roots)});
+        const scard::verify::VerificationReport& report = files.back().verification.report;
         code = std::max(code, report.applications.empty() ? exitDamagedFile : exitCodeOf(report.verdict));
     }
-    write(verifications, options.isSet(QStringLiteral("json")));
+    write(files, options.isSet(QStringLiteral("json")));
     code = finishOutput(code);
     for (const FileBytes& each : unreadable)
         err() << "scard: " << printable(each.message) << '\n' << each.advice << Qt::endl;

@@ -1,7 +1,6 @@
 #include "Verification.h"
 
 #include "../CardNames.h"
-#include "../ImageFile.h"
 #include "DownloadTime.h"
 #include "VerificationWords.h"
 
@@ -30,11 +29,7 @@ bool Verification::holdsByItself(const std::vector<scard::verify::RootKey>& root
 Verification
 verificationOf(const QString& path, const QByteArray& bytes, const std::vector<scard::verify::RootKey>& roots)
 {
-    const ImageFile file = imageFileOf(bytes);
     Verification verification;
-    verification.path = path;
-    verification.size = bytes.size();
-    verification.sha256 = file.sha256();
     verification.downloadedAt = timeInName(path);
     verification.report = scard::verify::verifyImage(bytes, roots, verification.downloadedAt);
     for (const ApplicationReport& each : verification.report.applications) {

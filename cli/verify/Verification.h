@@ -13,9 +13,6 @@
 /// A download and what its signatures say.
 struct Verification
 {
-    QString path;
-    qint64 size = 0;        ///< bytes
-    QString sha256;         ///< lower-case hexadecimal
     QDateTime downloadedAt; ///< UTC; null when the name of the file does not say it
     scard::verify::VerificationReport report;
 
@@ -27,6 +24,15 @@ struct Verification
     /// True when each signature holds by the card's own certificates, and these lead to the root key of
     /// their generation where one was given.
     bool holdsByItself(const std::vector<scard::verify::RootKey>& roots) const;
+};
+
+/// A file that was verified for its own sake.
+struct VerifiedFile
+{
+    QString path;
+    qint64 size = 0; ///< bytes
+    QString sha256;  ///< lower-case hexadecimal
+    Verification verification;
 };
 
 /// Checks the download with the bytes @p bytes.

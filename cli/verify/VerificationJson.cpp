@@ -92,8 +92,9 @@ QJsonObject applicationJson(const ApplicationReport& application)
     };
 }
 
-QJsonObject fileJson(const Verification& verification)
+QJsonObject fileJson(const VerifiedFile& file)
 {
+    const Verification& verification = file.verification;
     QJsonArray applications;
     for (const ApplicationReport& each : verification.report.applications)
         applications.append(applicationJson(each));
@@ -106,8 +107,7 @@ QJsonObject fileJson(const Verification& verification)
         uncovered.append(part);
     }
     QJsonObject json = verdictJson(verification);
-    json["file"] = QJsonObject{
-        {"path", verification.path}, {"size_bytes", verification.size}, {"sha256", verification.sha256}};
+    json["file"] = QJsonObject{{"path", file.path}, {"size_bytes", file.size}, {"sha256", file.sha256}};
     json["downloaded_at"] = timeOrNull(verification.downloadedAt);
     json["applications"] = applications;
     json["uncovered"] = uncovered;
@@ -116,10 +116,10 @@ QJsonObject fileJson(const Verification& verification)
 
 } // namespace
 
-QJsonObject verificationsJson(const std::vector<Verification>& verifications)
+QJsonObject verificationsJson(const std::vector<VerifiedFile>& files)
 {
     QJsonArray downloads;
-    for (const Verification& each : verifications)
+    for (const VerifiedFile& each : files)
         downloads.append(fileJson(each));
     return {{"format", "scard-verify-1"}, {"downloads", downloads}};
 }

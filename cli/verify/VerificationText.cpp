@@ -132,13 +132,14 @@ void writeUncovered(QTextStream& stream, const VerificationReport& report)
 
 } // namespace
 
-void writeVerification(QTextStream& stream, const Verification& verification)
+void writeVerification(QTextStream& stream, const VerifiedFile& file)
 {
-    stream << printable(verification.path) << ": " << verdictSentence(verification) << '\n';
+    const Verification& verification = file.verification;
+    stream << printable(file.path) << ": " << verdictSentence(verification) << '\n';
     if (verification.downloadedAt.isValid())
         stream << "Downloaded " << verification.downloadedAt.toString(QStringLiteral("yyyy-MM-dd HH:mm"))
                << " UTC, by the file's name. ";
-    stream << "SHA-256 " << verification.sha256 << '\n';
+    stream << "SHA-256 " << file.sha256 << '\n';
     for (const ApplicationReport& each : verification.report.applications)
         writeApplication(stream, each);
     if (!reasonsOf(verification.report).empty())
